@@ -1,0 +1,9 @@
+// Every atom class, entry record and descriptor of the library.
+#pragma once
+
+#include <qt/QTAtom.h>
+#include <qt/QTAtoms/samples/STBL.h>
+#include <qt/QTAtoms/samples/STSZ.h>
+#include <qt/QTAtoms/samples/STTS.h>
+#include <qt/QTAtoms/track/TKHD.h>
+#include <qt/QTDataAtom.h>

@@ -1,0 +1,27 @@
+#include <qt/QTAtoms/samples/STBL.h>
+#include <qt/QTAtoms/samples/STSZ.h>
+#include <qt/QTAtoms/samples/STTS.h>
+#include <qt/wire/Container.h>
+
+namespace Ketra::QT {
+
+namespace {
+
+constexpr wire::ChildType kChildren[] = {
+    {fourCC("stts"), wire::make<STTS>},
+    {fourCC("stsz"), wire::make<STSZ>},
+};
+
+} // namespace
+
+STBL::STBL() : QTAtom(8, fourCC("stbl")) { container_ = true; }
+
+STBL::STBL(QTAtom* header) : QTAtom(header) { container_ = true; }
+
+STBL::~STBL() = default;
+
+int STBL::parse() { return wire::parseChildren(*this, kChildren, wire::Unlisted::kKeep); }
+
+QTFrame* STBL::serialize() { return serializeContainer(); }
+
+} // namespace Ketra::QT

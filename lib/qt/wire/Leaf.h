@@ -1,0 +1,55 @@
+// parse(), serialize() and the byte count of a leaf atom, from its one layout.
+#pragma once
+
+#include <qt/wire/Access.h>
+#include <qt/wire/Reader.h>
+#include <qt/wire/Writer.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace Ketra::QT::wire {
+
+constexpr std::uint64_t kAtomHeader = 8;
+
+/// Fetches the payload and reads the layout from it. -1 when nothing can be fetched.
+template <class Atom>
+int parseLeaf(Atom& atom) {
+    Payload payload = Access::fetch(atom);
+    if (!payload) return -1;
+    Reader in(std::move(payload));
+    Access::layout(atom, in);
+    return 0;
+}
+
+/// Header and layout in bytes: what the atom needs, whatever size it holds.
+template <class Atom>
+std::uint64_t leafBytes(const Atom& atom) {
+    Writer count;
+    Access::layout(atom, count);
+    return kAtomHeader + count.written();
+}
+
+/// Writes header and layout under `type`. The block, its size field and the frame are as long as the larger
+/// of the size held (its low 32 bits) and the bytes of the layout; what the layout does not fill is zero.
+template <class Atom>
+QTFrame* writeLeaf(const Atom& atom, unsigned int type) {
+    const auto stored = static_cast<unsigned int>(atom.QTAtom::getSize());
+    const std::uint64_t length = std::max<std::uint64_t>(stored, leafBytes(atom));
+    if (length > std::numeric_limits<unsigned int>::max()) return nullptr;
+    MallocPtr block = allocate(length);
+    if (!block) return nullptr;
+    store32(block.get(), length);
+    store32(block.get() + 4, type);
+    Writer out(block.get() + kAtomHeader);
+    Access::layout(atom, out);
+    return makeFrame(static_cast<unsigned int>(length), std::move(block));
+}
+
+template <class Atom>
+QTFrame* writeLeaf(const Atom& atom) {
+    return writeLeaf(atom, atom.getType());
+}
+
+} // namespace Ketra::QT::wire

@@ -1,0 +1,102 @@
+// Every deliberate asymmetry of the wire format, as a named codec: whoever reads this file has seen them all.
+//
+// A codec has a width in bytes, read() from a file address and write() to one. Readers of files in the field
+// depend on what is written here, and callers on what is read, so these rules are kept exactly.
+#pragma once
+
+#include <qt/wire/Bytes.h>
+#include <qt/wire/Numbers.h>
+
+#include <cmath>
+
+namespace Ketra::QT::wire::odd {
+
+/// The value as fixed point: the fraction is scaled by 2^bits - 1 (not 2^bits) and truncated toward zero,
+/// the integer part is truncated and shifted. The caller takes the low bits.
+inline std::uint64_t toFixed(double x, unsigned int fractionBits, double fractionScale) {
+    const std::int64_t fraction = toInteger(std::fmod(x, 1.0) * fractionScale);
+    const auto whole = static_cast<std::uint64_t>(toInteger(x)) << fractionBits;
+    return static_cast<std::uint64_t>(fraction) + whole;
+}
+
+/// Flags of a full atom: three bytes read least significant first, written most significant first with each
+/// byte cut to its low four bits. Flags read from a file come out reversed when they are written again.
+struct Flags {
+    static constexpr unsigned int width = 3;
+    static unsigned int read(const unsigned char* p) {
+        return p[0] | (static_cast<unsigned int>(p[1]) << 8) | (static_cast<unsigned int>(p[2]) << 16);
+    }
+    static void write(unsigned char* p, unsigned int v) {
+        p[0] = static_cast<unsigned char>((v >> 16) & 0x0F);
+        p[1] = static_cast<unsigned char>((v >> 8) & 0x0F);
+        p[2] = static_cast<unsigned char>(v & 0x0F);
+    }
+};
+
+/// Six reserved bytes: read as three words w0 w1 w2 of which w0 is not shifted and w1 is sign-extended,
+/// written most significant first with each byte cut to its low four bits.
+struct Reserved48 {
+    static constexpr unsigned int width = 6;
+    static std::uint64_t read(const unsigned char* p) {
+        const auto middle = static_cast<std::int32_t>(static_cast<std::uint32_t>(load16(p + 2)) << 16);
+        return static_cast<std::uint64_t>(static_cast<std::int64_t>(middle)) | load16(p + 4) | load16(p);
+    }
+    static void write(unsigned char* p, std::uint64_t v) {
+        for (unsigned int i = 0; i < 6; ++i) {
+            p[i] = static_cast<unsigned char>((v >> (8 * (5 - i))) & 0x0F);
+        }
+    }
+};
+
+/// 8.8: read as the integer byte alone, except that a fraction byte of 0xFF reads as 256; written with a
+/// fraction scale of 255.
+struct Fixed8_8 {
+    static constexpr unsigned int width = 2;
+    static float read(const unsigned char* p) { return p[1] == 0xFF ? 256.0F : static_cast<float>(p[0]); }
+    static void write(unsigned char* p, float v) { store16(p, toFixed(static_cast<double>(v), 8, 255.0)); }
+};
+
+/// 16.16: the integer half is read least significant byte first (1.0 reads as 256), except that a fraction of
+/// 0xFFFF reads as 65536; written in true order with a fraction scale of 65535.
+struct Fixed16_16 {
+    static constexpr unsigned int width = 4;
+    static float read(const unsigned char* p) {
+        if (p[2] == 0xFF && p[3] == 0xFF) return 65536.0F;
+        return static_cast<float>(p[0] + 256 * p[1]);
+    }
+    static void write(unsigned char* p, float v) { store32(p, toFixed(static_cast<double>(v), 16, 65535.0)); }
+};
+
+/// 2.30, the third column of a matrix: written with a fraction scale of 2^30 - 1. Never read as a number.
+struct Fixed2_30 {
+    static constexpr unsigned int width = 4;
+    static void write(unsigned char* p, float v) {
+        store32(p, toFixed(static_cast<double>(v), 30, 1073741823.0));
+    }
+};
+
+/// A 16.16 dimension read as its integer part only; written with a fraction scale of 65535.
+struct WholeFixed16_16 {
+    static constexpr unsigned int width = 4;
+    static float read(const unsigned char* p) { return static_cast<float>(load16(p)); }
+    static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
+};
+
+/// A transformation matrix of nine words taken as unsigned integers: the third column is written as 2.30, all
+/// else as 16.16. Matrix words copied from a file are file-order bytes, so writing them does not restore
+/// them.
+struct IntegerMatrix {
+    static constexpr unsigned int width = 36;
+    static void write(unsigned char* p, const unsigned int* words) {
+        for (unsigned int i = 0; i < 9; ++i, p += 4) {
+            const auto value = static_cast<float>(words[i]);
+            if (i % 3 == 2) {
+                Fixed2_30::write(p, value);
+            } else {
+                Fixed16_16::write(p, value);
+            }
+        }
+    }
+};
+
+} // namespace Ketra::QT::wire::odd
