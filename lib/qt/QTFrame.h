@@ -40,6 +40,8 @@ public:
     void print();
 
 private:
+    friend struct wire::Access;
+
     unsigned int dataLength_ = 0;
     unsigned char* data_ = nullptr;
     double time_ = 0;

@@ -30,8 +30,11 @@ constexpr unsigned int fourCC(const char (&text)[5]) {
 // that a caller sees.
 namespace wire {
 struct Access;
+class Block;
 template <class Layout>
 class EntryTable;
+template <class T>
+class HeldList;
 } // namespace wire
 
 } // namespace Ketra::QT

@@ -30,6 +30,10 @@ struct Access {
         return atom.size_ > atom.headerSize_ ? atom.size_ - atom.headerSize_ : 0;
     }
 
+    // --- frames
+    /// Bytes really behind a frame's data, whatever its length says.
+    static unsigned int blockLength(const QTFrame& frame) { return frame.blockLength_; }
+
     // --- the layout of a leaf and the table of a table atom
     template <class Atom, class Io>
     static void layout(Atom& atom, Io& io) {

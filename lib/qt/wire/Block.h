@@ -67,6 +67,10 @@ public:
         size_ = data ? size : 0;
     }
     void adopt(MallocPtr data, std::uint64_t size) { adopt(data.release(), size); }
+    unsigned char* release() {
+        size_ = 0;
+        return bytes_.release();
+    }
     void clear() {
         bytes_.reset();
         size_ = 0;

@@ -1,6 +1,7 @@
 // Big-endian numbers at a byte address, and the plain codecs built on them.
 #pragma once
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -47,6 +48,17 @@ struct U16 {
     static void write(unsigned char* p, std::uint64_t v) { store16(p, v); }
 };
 
+struct U24 {
+    static constexpr unsigned int width = 3;
+    static std::uint32_t read(const unsigned char* p) {
+        return (static_cast<std::uint32_t>(p[0]) << 16) | load16(p + 1);
+    }
+    static void write(unsigned char* p, std::uint64_t v) {
+        p[0] = static_cast<unsigned char>(v >> 16);
+        store16(p + 1, v);
+    }
+};
+
 struct U32 {
     static constexpr unsigned int width = 4;
     static std::uint32_t read(const unsigned char* p) { return load32(p); }
@@ -57,6 +69,13 @@ struct U64 {
     static constexpr unsigned int width = 8;
     static std::uint64_t read(const unsigned char* p) { return load64(p); }
     static void write(unsigned char* p, std::uint64_t v) { store64(p, v); }
+};
+
+/// An IEEE 754 double.
+struct F64 {
+    static constexpr unsigned int width = 8;
+    static double read(const unsigned char* p) { return std::bit_cast<double>(load64(p)); }
+    static void write(unsigned char* p, double v) { store64(p, std::bit_cast<std::uint64_t>(v)); }
 };
 
 } // namespace Ketra::QT::wire

@@ -82,6 +82,54 @@ struct WholeFixed16_16 {
     static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
 };
 
+/// A 16.16 number read as its integer part, to which a fraction of 0xFFFF adds one; written with a fraction
+/// scale of 65535. Resolutions and sample rates of sample descriptions.
+struct RoundedFixed16_16 {
+    static constexpr unsigned int width = 4;
+    static unsigned int read(const unsigned char* p) {
+        return load16(p) + static_cast<unsigned int>(load16(p + 2)) / 65535;
+    }
+    static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
+};
+
+/// The size of an MPEG-4 descriptor as it is written: always four bytes, of which the third only says whether
+/// the size reaches 128, so that bits above bit 7 are lost. Read as any number of seven-bit groups.
+struct DescriptorSize {
+    static constexpr unsigned int width = 4;
+    static void write(unsigned char* p, std::uint64_t size) {
+        p[0] = 0x80;
+        p[1] = 0x80;
+        p[2] = size < 128 ? 0x80 : 0x81;
+        p[3] = static_cast<unsigned char>(size & 0x7F);
+    }
+};
+
+/// The name of a video compressor, 32 bytes: a length byte and the name. A length byte above 31 means that
+/// the field is plain text, length byte included; a name of 32 bytes is written back that way.
+struct CompressorName {
+    static constexpr unsigned int width = 32;
+    unsigned char text[33] = {}; // ends with a zero byte
+    unsigned int length = 0;
+
+    static CompressorName read(const unsigned char* p) {
+        CompressorName name;
+        const bool plain = p[0] > 31;
+        name.assign(plain ? p : p + 1, plain ? width : p[0]);
+        return name;
+    }
+    static void write(unsigned char* p, const CompressorName& name) {
+        const bool plain = name.length >= width;
+        std::memset(p, 0, width);
+        if (!plain) *p++ = static_cast<unsigned char>(name.length);
+        std::memcpy(p, name.text, name.length);
+    }
+    void assign(const unsigned char* bytes, unsigned int count) {
+        length = count < width ? count : width;
+        std::memset(text, 0, sizeof text);
+        if (length) std::memcpy(text, bytes, length);
+    }
+};
+
 /// A transformation matrix of nine words taken as unsigned integers: the third column is written as 2.30, all
 /// else as 16.16. Matrix words copied from a file are file-order bytes, so writing them does not restore
 /// them.

@@ -1,0 +1,33 @@
+// Writing a layout without an atom header: the typed part of a sample description.
+#pragma once
+
+#include <qt/wire/Access.h>
+#include <qt/wire/Writer.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+
+namespace Ketra::QT::wire {
+
+template <class Atom>
+std::uint64_t bodyBytes(const Atom& atom) {
+    Writer count;
+    Access::layout(atom, count);
+    return count.written();
+}
+
+/// The layout alone, in a block of at least the size that the atom holds; the rest is zero.
+template <class Atom>
+QTFrame* writeBody(const Atom& atom) {
+    const auto stored = static_cast<unsigned int>(atom.getSize());
+    const std::uint64_t length = std::max<std::uint64_t>(stored, bodyBytes(atom));
+    if (length > std::numeric_limits<unsigned int>::max()) return nullptr;
+    MallocPtr block = allocate(length);
+    if (!block) return nullptr;
+    Writer out(block.get());
+    Access::layout(atom, out);
+    return makeFrame(static_cast<unsigned int>(length), std::move(block));
+}
+
+} // namespace Ketra::QT::wire
