@@ -1,3 +1,4 @@
+#include <qt/QTAtoms/entries/STSD.h>
 #include <qt/QTAtoms/samples/STBL.h>
 #include <qt/QTAtoms/samples/STSZ.h>
 #include <qt/QTAtoms/samples/STTS.h>
@@ -8,6 +9,7 @@ namespace Ketra::QT {
 namespace {
 
 constexpr wire::ChildType kChildren[] = {
+    {fourCC("stsd"), wire::make<STSD>},
     {fourCC("stts"), wire::make<STTS>},
     {fourCC("stsz"), wire::make<STSZ>},
 };
