@@ -2,6 +2,15 @@
 #pragma once
 
 #include <qt/QTAtom.h>
+#include <qt/QTAtoms/entries/AudioEntry.h>
+#include <qt/QTAtoms/entries/CodecEntry.h>
+#include <qt/QTAtoms/entries/D263.h>
+#include <qt/QTAtoms/entries/DAMR.h>
+#include <qt/QTAtoms/entries/MP4A.h>
+#include <qt/QTAtoms/entries/MP4S.h>
+#include <qt/QTAtoms/entries/MP4V.h>
+#include <qt/QTAtoms/entries/S263.h>
+#include <qt/QTAtoms/entries/SAMR.h>
 #include <qt/QTAtoms/entries/STSD.h>
 #include <qt/QTAtoms/entries/STSDAudio.h>
 #include <qt/QTAtoms/entries/STSDData.h>
@@ -9,6 +18,7 @@
 #include <qt/QTAtoms/entries/STSDText.h>
 #include <qt/QTAtoms/entries/STSDTimeCode.h>
 #include <qt/QTAtoms/entries/STSDVideo.h>
+#include <qt/QTAtoms/entries/VisualEntry.h>
 #include <qt/QTAtoms/movie/IODS.h>
 #include <qt/QTAtoms/samples/STBL.h>
 #include <qt/QTAtoms/samples/STSZ.h>

@@ -38,9 +38,10 @@ protected:
     }
     /// Whatever is in it, an atom can be measured, written and copied.
     static void exercise(QTAtom& atom) {
+        constexpr std::uint64_t kTooSlow = 1 << 24; // a size of gigabytes is written in full length
         try {
             const std::unique_ptr<QTAtom> twin = GetParam().copy(atom);
-            twin->updateSize();
+            if (twin->updateSize() > kTooSlow) return;
             take(atom.serialize());
             atom.updateSize();
             take(atom.serialize());

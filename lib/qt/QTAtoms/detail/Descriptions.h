@@ -1,8 +1,10 @@
-// Reading the typed part of a sample description: for the tracks, which interpret the raw entries.
+// Reading the parts of a raw sample description: for the tracks, which interpret them.
 #pragma once
 
 namespace Ketra::QT {
 
+class D263;
+class DAMR;
 class STSDAudio;
 class STSDVideo;
 
@@ -15,6 +17,9 @@ void readBody(STSDVideo& video, Reader& in);
 /// Likewise; the version decides how long the body is. Version 2 gives sample size, packets and flags as the
 /// file has them.
 void readBody(STSDAudio& audio, Reader& in);
+/// Configuration atoms, behind their headers.
+void readBody(DAMR& atom, Reader& in);
+void readBody(D263& atom, Reader& in);
 
 } // namespace wire
 } // namespace Ketra::QT

@@ -1,3 +1,4 @@
+#include <qt/QTAtoms/entries/MP4V.h>
 #include <qt/QTAtoms/entries/STSD.h>
 #include <qt/QTAtoms/samples/STBL.h>
 #include <qt/QTAtoms/samples/STSZ.h>
@@ -10,6 +11,10 @@ namespace {
 
 constexpr wire::ChildType kChildren[] = {
     {fourCC("stsd"), wire::make<STSD>},
+    // Sample entries outside the description table all become visual ones.
+    {fourCC("mp4a"), wire::make<MP4V>},
+    {fourCC("mp4s"), wire::make<MP4V>},
+    {fourCC("mp4v"), wire::make<MP4V>},
     {fourCC("stts"), wire::make<STTS>},
     {fourCC("stsz"), wire::make<STSZ>},
 };
