@@ -54,11 +54,11 @@ int parseChild(QTAtom& child, bool keep) {
 }
 
 int parseChildren(QTAtom& parent, const ChildTable& table, Unlisted unlisted, std::uint64_t mostChildren,
-                  ChildHook* hook) {
+                  ChildHook* hook, std::uint64_t fieldBytes) {
     Access::setContainer(parent);
     QTUtils* utils = parent.getUtils();
     if (!utils) return -1;
-    std::uint64_t consumed = parent.getHeaderSize();
+    std::uint64_t consumed = parent.getHeaderSize() + fieldBytes;
     if (consumed >= parent.getSize()) return 0;
     const std::uint64_t end = parent.getOffset() + parent.getSize();
     while (mostChildren--) {

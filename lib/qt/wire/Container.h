@@ -46,9 +46,11 @@ public:
 
 /// Reads the children of `parent`, whose header the reader has just delivered. 0, or the first child's
 /// non-zero parse() result (that child is not appended). Ends quietly where the file ends. Always makes
-/// progress: a header that states less than its own length ends the container.
+/// progress: a header that states less than its own length ends the container. `fieldBytes` is what the
+/// parent has of its own in front of its children; the reader stands behind it.
 int parseChildren(QTAtom& parent, const ChildTable& table, Unlisted unlisted = Unlisted::kSkip,
-                  std::uint64_t mostChildren = ~std::uint64_t{0}, ChildHook* hook = nullptr);
+                  std::uint64_t mostChildren = ~std::uint64_t{0}, ChildHook* hook = nullptr,
+                  std::uint64_t fieldBytes = 0);
 
 /// The part of that loop that other readers of atoms share: parses one child that `create` made, keeping an
 /// unlisted one's bytes when asked, and afterwards stands at its end.

@@ -147,4 +147,36 @@ struct IntegerMatrix {
     }
 };
 
+/// A dimension of which only whole pixels are held: the fraction is dropped on reading and written as 0.
+struct WholePixels {
+    static constexpr unsigned int width = 4;
+    static unsigned int read(const unsigned char* p) { return load16(p); }
+    static void write(unsigned char* p, unsigned int v) { store32(p, static_cast<std::uint64_t>(v) << 16); }
+};
+
+/// Gamma as 16.16: read without a byte swap, as the low half of the little-endian word (plus 65536 when the
+/// high half is all ones), so that 2.2 reads as 512; written in true order with a fraction scale of 65535.
+struct Gamma {
+    static constexpr unsigned int width = 4;
+    static float read(const unsigned char* p) {
+        const std::uint32_t unswapped = p[0] | (static_cast<std::uint32_t>(p[1]) << 8) |
+                                        (static_cast<std::uint32_t>(p[2]) << 16) |
+                                        (static_cast<std::uint32_t>(p[3]) << 24);
+        return static_cast<float>(((unswapped >> 16) / 65535 + 65535) & unswapped);
+    }
+    static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
+};
+
+/// The matrix of text media information: the ones of its 16.16 diagonal stand a byte late (bytes 2 and 18
+/// where 1 and 17 would be 1.0). Readers ignore this matrix.
+struct TextMatrix {
+    static constexpr unsigned int width = 36;
+    static void write(unsigned char* p, unsigned int) {
+        std::memset(p, 0, width);
+        p[2] = 0x01;
+        p[18] = 0x01;
+        p[32] = 0x40;
+    }
+};
+
 } // namespace Ketra::QT::wire::odd

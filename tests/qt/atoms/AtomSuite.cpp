@@ -42,7 +42,7 @@ protected:
         try {
             const std::unique_ptr<QTAtom> twin = GetParam().copy(atom);
             if (twin->updateSize() > kTooSlow) return;
-            take(atom.serialize());
+            if (atom.getSize() <= kTooSlow) take(atom.serialize());
             atom.updateSize();
             take(atom.serialize());
             take(twin->serialize());
