@@ -23,7 +23,16 @@
 #include <qt/QTAtoms/media/TCMI.h>
 #include <qt/QTAtoms/media/TEXTA.h>
 #include <qt/QTAtoms/movie/IODS.h>
+#include <qt/QTAtoms/samples/CSLG.h>
+#include <qt/QTAtoms/samples/CTTS.h>
+#include <qt/QTAtoms/samples/SDTP.h>
 #include <qt/QTAtoms/samples/STBL.h>
+#include <qt/QTAtoms/samples/STCO.h>
+#include <qt/QTAtoms/samples/STDP.h>
+#include <qt/QTAtoms/samples/STPS.h>
+#include <qt/QTAtoms/samples/STSC.h>
+#include <qt/QTAtoms/samples/STSH.h>
+#include <qt/QTAtoms/samples/STSS.h>
 #include <qt/QTAtoms/samples/STSZ.h>
 #include <qt/QTAtoms/samples/STTS.h>
 #include <qt/QTAtoms/systems/DecoderConfigDescriptor.h>
@@ -41,6 +50,8 @@
 #include <qt/QTAtoms/track/CLIP.h>
 #include <qt/QTAtoms/track/CRGN.h>
 #include <qt/QTAtoms/track/CTAB.h>
+#include <qt/QTAtoms/track/EDTS.h>
+#include <qt/QTAtoms/track/ELST.h>
 #include <qt/QTAtoms/track/IMAP.h>
 #include <qt/QTAtoms/track/IN.h>
 #include <qt/QTAtoms/track/KMAT.h>

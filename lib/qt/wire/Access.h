@@ -43,6 +43,16 @@ struct Access {
     static auto& table(Atom& atom) {
         return *atom.table_;
     }
+    /// Where `steps` calls of getNextDecodeOffset() from the start would leave the composition table.
+    template <class Atom>
+    static void seekDecodeOffset(Atom& atom, std::uint64_t steps) {
+        atom.seekDecodeOffset(steps);
+    }
+    /// What the next getNextDecodeOffset() will give; nothing moves.
+    template <class Atom>
+    static int peekDecodeOffset(const Atom& atom) {
+        return atom.peekDecodeOffset();
+    }
     template <class Atom, class Io>
     static void versionAndFlags(Atom& atom, Io& io) {
         io.u8(atom.version_);

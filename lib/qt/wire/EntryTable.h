@@ -41,6 +41,7 @@ public:
     }
     ~PackedArray() = default;
 
+    static constexpr unsigned int width() { return Layout::width; }
     std::uint64_t size() const { return count_; }
     const unsigned char* data() const { return block_.get() + first_; }
     Value at(std::uint64_t i) const { return Layout::read(data() + i * Layout::width); }
@@ -151,6 +152,11 @@ public:
         ++generation_;
         return store_;
     }
+    /// For a change that the table has no call for; while there are objects the store is empty.
+    Store& changeStore() {
+        ++generation_;
+        return store_;
+    }
     /// Grows with every change of packed entries; an index built for one generation serves only that one, and
     /// only while the table is packed (an object may be changed by whoever holds it).
     unsigned int generation() const { return generation_; }
@@ -163,6 +169,14 @@ public:
             ++generation_;
         }
         ++declared;
+    }
+    /// Every entry becomes change(entry); objects stay the objects they were.
+    template <class Change>
+    void transform(Change change) {
+        for (std::uint64_t i = 0; i < held(); ++i) {
+            put(i, change(at(i)));
+        }
+        ++generation_;
     }
     /// Merges neighbours: `merge(last, next)` either absorbs the next value into the last one and says so, or
     /// leaves both. A record that survives stays the object it was; one that is absorbed is deleted.
@@ -196,9 +210,9 @@ public:
                               std::uint64_t count, std::uint64_t end) {
         Store& store = replaceStore();
         store.clear();
-        count = std::min(count, (end - first) / Layout::width);
+        count = std::min(count, (end - first) / store.width());
         if (count) store.adopt(payload, bytes, first, count);
-        return count * Layout::width;
+        return count * store.width();
     }
     /// Writes every entry held, or only measures without a block; returns the bytes.
     std::uint64_t write(unsigned char* to) const {
@@ -259,14 +273,19 @@ private:
     void makeObjects() const {
         if (asObjects_) return;
         const std::uint64_t count = store_.size();
-        objects_.reserve(static_cast<std::size_t>(count));
-        for (std::uint64_t i = 0; i < count; ++i) {
-            objects_.push_back(Layout::record(store_.at(i)));
+        try {
+            objects_.reserve(static_cast<std::size_t>(count));
+            for (std::uint64_t i = 0; i < count; ++i) {
+                objects_.push_back(Layout::record(store_.at(i)));
+            }
+        } catch (...) {
+            dropObjects(); // the table stays what it was
+            throw;
         }
         store_.clear();
         asObjects_ = true;
     }
-    void dropObjects() {
+    void dropObjects() const {
         for (Record* record : objects_) {
             delete record;
         }

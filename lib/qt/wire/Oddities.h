@@ -92,6 +92,28 @@ struct RoundedFixed16_16 {
     static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
 };
 
+/// The rate of an edit, 16.16 with a fraction scale of 65535. The reader gives the number that is written
+/// back as the same bytes; only a fraction of 0xFFFF, which stands for a whole one here, and numbers too long
+/// for a float come back as the nearest.
+struct Rate16_16 {
+    static constexpr unsigned int width = 4;
+    static float read(const unsigned char* p) {
+        const auto bits = static_cast<std::int32_t>(load32(p));
+        const std::int64_t magnitude = bits < 0 ? -std::int64_t{bits} : bits;
+        auto rate = static_cast<float>(static_cast<double>(magnitude >> 16) +
+                                       static_cast<double>(magnitude & 0xFFFF) / 65535.0);
+        // Rounded down, the fraction would be cut to the next lower one.
+        if (static_cast<std::int64_t>(toFixed(static_cast<double>(rate), 16, 65535.0)) < magnitude) {
+            const float above = std::nextafter(rate, 65536.0F);
+            if (static_cast<std::int64_t>(toFixed(static_cast<double>(above), 16, 65535.0)) == magnitude) {
+                rate = above;
+            }
+        }
+        return bits < 0 ? -rate : rate;
+    }
+    static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
+};
+
 /// The size of an MPEG-4 descriptor as it is written: always four bytes, of which the third only says whether
 /// the size reaches 128, so that bits above bit 7 are lost. Read as any number of seven-bit groups.
 struct DescriptorSize {

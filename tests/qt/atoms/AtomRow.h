@@ -9,6 +9,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace test {
@@ -19,7 +20,7 @@ struct AtomRow {
     std::function<void(Ketra::QT::QTAtom&)> expect{}; ///< the fields after parse()
     Bytes written{};                                  ///< bytes of serialize(); empty: the same as `file`
     bool writesNothing = false;                       ///< serialize() gives null (then `written` is unused)
-    std::uint64_t sizeAfterUpdate = 0;                ///< 0: the size of `file`
+    std::optional<std::uint64_t> sizeAfterUpdate{};   ///< none: the size of `file`
     std::uint64_t blankSize = 0;                      ///< size of a default-constructed atom
     std::size_t countAt = 0;                          ///< offset of a 32-bit count field; 0: none
 

@@ -2,6 +2,7 @@
 
 #include <base/CException.h>
 
+#include <algorithm>
 #include <ostream>
 
 namespace test {
@@ -41,7 +42,7 @@ protected:
         constexpr std::uint64_t kTooSlow = 1 << 24; // a size of gigabytes is written in full length
         try {
             const std::unique_ptr<QTAtom> twin = GetParam().copy(atom);
-            if (twin->updateSize() > kTooSlow) return;
+            if (std::max(twin->updateSize(), twin->getSize()) > kTooSlow) return;
             if (atom.getSize() <= kTooSlow) take(atom.serialize());
             atom.updateSize();
             take(atom.serialize());
@@ -82,7 +83,7 @@ TEST_P(AtomSuite, CountsTheBytesItWrites) {
     const std::unique_ptr<QTAtom> atom = read(file);
     ASSERT_TRUE(atom);
     const std::uint64_t size = atom->updateSize();
-    EXPECT_EQ(size, GetParam().sizeAfterUpdate ? GetParam().sizeAfterUpdate : GetParam().file.size());
+    EXPECT_EQ(size, GetParam().sizeAfterUpdate.value_or(GetParam().file.size()));
     if (GetParam().writesNothing) return;
     EXPECT_EQ(written().size(), take(atom->serialize()).size());
 }

@@ -3,15 +3,17 @@
 
 #include <qt/wire/EntryTable.h>
 
-/// append, entry at index, entry at the iterator, copy of the list, and the iterator's moves. `Add` is the
-/// append method, `Name` the stem of the others (getNameData, getCurrentNameData, getNameTable). An append
-/// grows the stored size by the bytes that one entry takes in the file.
-#define KETRA_TABLE_METHODS(Class, Record, Add, Name, Bytes)                                                 \
+/// The append method: it grows the stored size by the bytes that one entry takes in the file.
+#define KETRA_TABLE_APPEND(Class, Record, Add, Bytes)                                                        \
     int Class::Add(Record* entry) {                                                                          \
         if (!table_->append(entry)) return -1;                                                               \
         size_ += (Bytes);                                                                                    \
         return 0;                                                                                            \
-    }                                                                                                        \
+    }
+
+/// Entry at the iterator, copy of the list, and the iterator's moves; `Name` is the stem of their names
+/// (getCurrentNameData, getNameTable).
+#define KETRA_TABLE_LIST(Class, Record, Name)                                                                \
     Record* Class::getCurrent##Name##Data() const { return table_->current(); }                              \
     std::vector<Record*> Class::get##Name##Table() const { return table_->records(); }                       \
     int Class::increaseIterator() {                                                                          \
@@ -22,6 +24,10 @@
         table_->cursor = 0;                                                                                  \
         return 0;                                                                                            \
     }
+
+#define KETRA_TABLE_METHODS(Class, Record, Add, Name, Bytes)                                                 \
+    KETRA_TABLE_APPEND(Class, Record, Add, Bytes)                                                            \
+    KETRA_TABLE_LIST(Class, Record, Name)
 
 /// The count field, which may differ from the entries held.
 #define KETRA_TABLE_COUNT(Class)                                                                             \

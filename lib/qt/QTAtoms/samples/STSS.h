@@ -1,0 +1,71 @@
+// Sync samples: those that can be decoded without others before them.
+#pragma once
+
+#include <qt/QTAtom.h>
+
+#include <memory>
+#include <vector>
+
+namespace Ketra::QT {
+
+/// A sample number, counted from 1; in "sdtp" the dependency flags of a sample (low 8 bits).
+class KETRA_QT_API STSSData {
+public:
+    explicit STSSData(unsigned int number) : number_(number) {}
+
+    unsigned int getNumber() const { return number_; }
+    int setNumber(unsigned int number) { return number_ = number, 0; }
+
+private:
+    unsigned int number_;
+};
+
+namespace wire {
+struct SyncEntry;
+}
+
+/// "stss": 8 version, 9 flags, 12 entry count, 16 entries of 32 bits: the numbers of the sync samples.
+///
+/// An empty table is not written: serialize() gives null. The stored size follows appends only; what is
+/// written is as long as the larger of it and the table. When the number of entries is not that of the
+/// entries held, serialize() throws "Wrong number of entries in STSS-table".
+class KETRA_QT_API STSS : public QTAtom {
+public:
+    STSS();
+    explicit STSS(QTAtom* header);
+    STSS(const STSS& other);
+    STSS& operator=(const STSS& other);
+    ~STSS() override;
+
+    std::uint64_t updateSize() override; ///< 16 + 4 * number of entries, 0 for none; not stored
+    int parse() override;
+    QTFrame* serialize() override;
+
+    int addSyncSample(STSSData* entry);                    ///< adopts; -1 for null
+    STSSData* getSyncSampleData(unsigned int index) const; ///< null out of range
+    STSSData* getCurrentSyncSampleData() const;            ///< at the iterator; null past the end
+    std::vector<STSSData*> getSyncSampleTable() const;
+    int setSyncSampleTable(const std::vector<STSSData*>& table); ///< adopts the entries; the size stays
+
+    int increaseIterator();
+    int resetTableIterator();
+    int setIterator(unsigned int n); ///< 1-based; 0
+
+    unsigned int getNumberOfEntries() const;
+    int setNumberOfEntries(unsigned int count);
+    unsigned int getVersion() const { return version_; }
+    int setVersion(unsigned int version) { return version_ = version, 0; }
+    unsigned int getFlags() const { return flags_; }
+    int setFlags(unsigned int flags) { return flags_ = flags, 0; }
+
+private:
+    friend struct wire::Access;
+    template <class Self, class Io>
+    static void layout(Self& a, Io& io);
+
+    unsigned int version_ = 0;
+    unsigned int flags_ = 0;
+    std::unique_ptr<wire::EntryTable<wire::SyncEntry>> table_;
+};
+
+} // namespace Ketra::QT
