@@ -34,6 +34,13 @@ struct Access {
     /// Bytes really behind a frame's data, whatever its length says.
     static unsigned int blockLength(const QTFrame& frame) { return frame.blockLength_; }
 
+    // --- packets
+    /// Bytes really behind a packet's payload, whatever its size says.
+    template <class Packet>
+    static std::uint64_t dataLength(const Packet& packet) {
+        return packet.data_->size();
+    }
+
     // --- the layout of a leaf and the table of a table atom
     template <class Atom, class Io>
     static void layout(Atom& atom, Io& io) {
