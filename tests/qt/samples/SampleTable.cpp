@@ -96,7 +96,6 @@ TEST(SampleTable, EmptySyncTableIsDropped) {
 }
 
 TEST(SampleTable, EveryTypeBecomesItsClass) {
-    const Bytes none = hex("00000000");
     Bytes payload;
     for (const char* type : {"stsd", "stts", "ctts", "cslg", "stss", "stps", "stsh", "stdp", "stsc", "stsz",
                              "stco", "co64", "sdtp", "abcd"}) {
@@ -119,8 +118,9 @@ TEST(SampleTable, EveryTypeBecomesItsClass) {
     EXPECT_TRUE(dynamic_cast<STCO*>(children[11]));
     EXPECT_EQ(children[11]->getType(), fourCC("stco"));
     for (const std::size_t plain : {12U, 13U}) {
-        EXPECT_EQ(typeid(*children[plain]), typeid(QTAtom));
-        EXPECT_EQ(take(children[plain]->serialize()).size(), 20U) << "its bytes are kept";
+        QTAtom& kept = *children[plain];
+        EXPECT_EQ(typeid(kept), typeid(QTAtom));
+        EXPECT_EQ(take(kept.serialize()).size(), 20U) << "its bytes are kept";
     }
 }
 

@@ -16,7 +16,6 @@ using namespace Ketra::QT;
 template <class Table>
 class SyncTable : public testing::Test {
 public:
-    static const char* code() { return std::is_same_v<Table, STSS> ? "stss" : "stps"; }
     static const char* function() {
         return std::is_same_v<Table, STSS> ? "Ketra::QT::STSS::serialize" : "Ketra::QT::STPS::serialize";
     }
