@@ -92,24 +92,12 @@ struct RoundedFixed16_16 {
     static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
 };
 
-/// The rate of an edit, 16.16 with a fraction scale of 65535. The reader gives the number that is written
-/// back as the same bytes; only a fraction of 0xFFFF, which stands for a whole one here, and numbers too long
-/// for a float come back as the nearest.
+/// The rate of an edit, 16.16 with a fraction scale of 65535 on both sides: what is read is what was written.
 struct Rate16_16 {
     static constexpr unsigned int width = 4;
     static float read(const unsigned char* p) {
-        const auto bits = static_cast<std::int32_t>(load32(p));
-        const std::int64_t magnitude = bits < 0 ? -std::int64_t{bits} : bits;
-        auto rate = static_cast<float>(static_cast<double>(magnitude >> 16) +
-                                       static_cast<double>(magnitude & 0xFFFF) / 65535.0);
-        // Rounded down, the fraction would be cut to the next lower one.
-        if (static_cast<std::int64_t>(toFixed(static_cast<double>(rate), 16, 65535.0)) < magnitude) {
-            const float above = std::nextafter(rate, 65536.0F);
-            if (static_cast<std::int64_t>(toFixed(static_cast<double>(above), 16, 65535.0)) == magnitude) {
-                rate = above;
-            }
-        }
-        return bits < 0 ? -rate : rate;
+        const auto whole = static_cast<std::int16_t>(load16(p));
+        return static_cast<float>(whole) + static_cast<float>(load16(p + 2)) / 65535.0F;
     }
     static void write(unsigned char* p, float v) { Fixed16_16::write(p, v); }
 };
@@ -149,6 +137,19 @@ struct CompressorName {
         length = count < width ? count : width;
         std::memset(text, 0, sizeof text);
         if (length) std::memcpy(text, bytes, length);
+    }
+};
+
+/// Three colour words of which one value is held: written three times, read as red OR blue.
+struct OneColor {
+    static constexpr unsigned int width = 6;
+    static unsigned short read(const unsigned char* p) {
+        return static_cast<unsigned short>(load16(p) | load16(p + 4));
+    }
+    static void write(unsigned char* p, unsigned short v) {
+        store16(p, v);
+        store16(p + 2, v);
+        store16(p + 4, v);
     }
 };
 

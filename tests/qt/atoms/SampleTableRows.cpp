@@ -204,7 +204,7 @@ const RowList kRows({
                             "00 000000",                    // version, flags
                             "00000002",                     // entries
                             "00000258 FFFFFFFF 00010000",   // empty edit of 600
-                            "000004B0 00000064 FFFE8001"}), // 1200 from media time 100, rate -1.5
+                            "000004B0 00000064 FFFE0000"}), // 1200 from media time 100, rate -2
                .blankSize = 16,
                .countAt = 12},
               [](ELST& a) {
@@ -214,7 +214,7 @@ const RowList kRows({
                   EXPECT_EQ(a.getEditListData(0)->getMediaRate(), 1.0F);
                   EXPECT_EQ(a.getEditListData(1)->getDuration(), 1200U);
                   EXPECT_EQ(a.getEditListData(1)->getMediaTime(), 100);
-                  EXPECT_NEAR(a.getEditListData(1)->getMediaRate(), -1.5F, 0.00002F);
+                  EXPECT_EQ(a.getEditListData(1)->getMediaRate(), -2.0F);
                   EXPECT_EQ(a.getEditListData(2), nullptr);
               }),
     row<EDTS>({.name = "EDTS",
