@@ -5,6 +5,7 @@
 #include <qt/QTUtils.h>
 #include <qt/wire/Payload.h>
 
+#include <algorithm>
 #include <type_traits>
 #include <vector>
 
@@ -28,6 +29,24 @@ struct Access {
     static std::uint64_t keptLength(const QTAtom& atom) { return atom.payloadLength_; }
     static std::uint64_t payloadLength(const QTAtom& atom) {
         return atom.size_ > atom.headerSize_ ? atom.size_ - atom.headerSize_ : 0;
+    }
+
+    /// The rate of a sound description, of which the public interface shows a float.
+    template <class Audio>
+    static double sampleRate(const Audio& audio) {
+        return audio.sampleRate_;
+    }
+
+    /// Deletes those of a description's extensions that are among `frames`.
+    template <class Description>
+    static void removeExtensions(Description& description, const std::vector<const QTFrame*>& frames) {
+        auto& list = description.extensions_;
+        list.erase(std::remove_if(list.begin(), list.end(),
+                                  [&](const auto& frame) {
+                                      return std::find(frames.begin(), frames.end(), frame.get()) !=
+                                             frames.end();
+                                  }),
+                   list.end());
     }
 
     // --- frames

@@ -124,7 +124,10 @@ QTFrame* STSDAudio::serialize() { return wire::writeBody(*this); }
 
 namespace wire {
 
-void readBody(STSDAudio& audio, Reader& in) { Access::layout(audio, in); }
+double readBody(STSDAudio& audio, Reader& in) {
+    Access::layout(audio, in);
+    return Access::sampleRate(audio);
+}
 
 } // namespace wire
 

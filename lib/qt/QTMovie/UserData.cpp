@@ -1,0 +1,82 @@
+// Adding texts to the user data of a movie.
+#include <qt/QTMovie.h>
+
+#include <qt/QTAtoms.h>
+#include <qt/wire/Bytes.h>
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include <iconv.h>
+
+namespace Ketra::QT {
+
+namespace {
+
+constexpr unsigned int kEntryHeader = 8;
+constexpr unsigned short kEnglish = 0x15C7; // "eng", five bits a letter
+constexpr unsigned int kTextPrefix = 4;     // length and language of a QuickTime text
+
+/// UTF-8 as Macintosh text, up to the first character that has none. Systems know the character set by one of
+/// three names; where none is known, plain ASCII is what both sides share.
+std::string toMacintosh(const char* text, unsigned int length)
+{
+    std::string out(length, '\0');
+    for (const char* name : {"MacRoman", "MACINTOSH", "MAC"}) {
+        const iconv_t converter = iconv_open(name, "UTF-8");
+        if (converter == reinterpret_cast<iconv_t>(-1)) continue;
+        std::string in(text, length);
+        char* from = in.data();
+        std::size_t fromLeft = in.size();
+        char* to = out.data();
+        std::size_t toLeft = out.size();
+        iconv(converter, &from, &fromLeft, &to, &toLeft);
+        iconv_close(converter);
+        out.resize(out.size() - toLeft);
+        return out;
+    }
+    const char* end = std::find_if(text, text + length, [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
+    return std::string(text, end);
+}
+
+} // namespace
+
+UDTA* QTMovie::ensureUserData()
+{
+    if (udta_) return udta_;
+    auto fresh = std::make_unique<UDTA>();
+    if (addMoovChild(fresh.get()) != 0) return nullptr;
+    return udta_ = fresh.release();
+}
+
+int QTMovie::addUserData(unsigned int type, unsigned int length, const char* text)
+{
+    if (!text && length) return -1;
+    if (flags_ == kPSP && type == fourCC("mana")) {
+        mana_.assign(text, text + length);
+        return 0;
+    }
+    UDTA* place = ensureUserData();
+    if (!place) return -1;
+    std::vector<unsigned char> payload;
+    if (flags_ == k3GP) {
+        // version and flags, language, the text as it is
+        payload.resize(std::size_t{6} + length);
+        wire::store16(payload.data() + 4, kEnglish);
+        if (length) std::memcpy(payload.data() + 6, text, length);
+    } else {
+        // length and language, then the text without its terminating zero byte
+        const std::string converted = toMacintosh(text, length);
+        const std::size_t counted = std::max<std::size_t>(1, converted.size());
+        payload.resize(kTextPrefix + counted - 1);
+        wire::store16(payload.data(), counted - 1);
+        std::memcpy(payload.data() + kTextPrefix, converted.data(), std::min(converted.size(), counted - 1));
+    }
+    auto entry = std::make_unique<QTDataAtom>(kEntryHeader + payload.size(), type, payload.data());
+    if (place->addDataAtom(entry.get()) != 0) return -1;
+    static_cast<void>(entry.release());
+    return 0;
+}
+
+} // namespace Ketra::QT
