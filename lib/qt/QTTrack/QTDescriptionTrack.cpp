@@ -1,5 +1,6 @@
 #include <qt/QTAtoms/media/HDLR.h>
 #include <qt/QTTrack/QTDescriptionTrack.h>
+#include <qt/wire/Access.h>
 #include <qt/wire/Block.h>
 
 namespace Ketra::QT {
@@ -9,7 +10,10 @@ QTDescriptionTrack::QTDescriptionTrack() : QTTrack(kMOV), mpod_(new wire::Block)
 QTDescriptionTrack::QTDescriptionTrack(QTAtom* trak) : QTDescriptionTrack() {
     readTrak(trak, 0, "QT::QTDescriptionTrack::QTDescriptionTrack", "No track header found in track atom",
              "No mdia-atom found in trak-atom");
-    if (const HDLR* handler = mediaHandler()) setMediaType(handler->getComponentSubType());
+    const auto* media = wire::child<QTAtom>(trak, fourCC("mdia"));
+    if (const auto* handler = wire::child<HDLR>(media, fourCC("hdlr"))) {
+        setMediaType(handler->getComponentSubType());
+    }
     readDescriptions(false);
 }
 

@@ -1,4 +1,6 @@
+#include <qt/QTAtoms/track/TKHD.h>
 #include <qt/QTTrack/QTVideoTrack.h>
+#include <qt/wire/Access.h>
 #include <qt/wire/Numbers.h>
 
 namespace Ketra::QT {
@@ -8,11 +10,12 @@ QTVideoTrack::QTVideoTrack() : QTTrack(kMOV) {}
 QTVideoTrack::QTVideoTrack(QTAtom* trak) : QTTrack(kMOV) {
     readTrak(trak, fourCC("vide"), "QT::QTVideoTrack::QTVideoTrack", "No track header found in track atom",
              "No mdia-atom found in trak-atom");
-    width_ = wire::toUnsigned32(static_cast<double>(getAtomHeaderWidth()));
-    height_ = wire::toUnsigned32(static_cast<double>(getAtomHeaderHeight()));
+    const TKHD& header = *wire::child<TKHD>(trak, fourCC("tkhd"));
+    const unsigned int headerWidth = wire::toUnsigned32(static_cast<double>(header.getWidth()));
+    const unsigned int headerHeight = wire::toUnsigned32(static_cast<double>(header.getHeight()));
+    width_ = headerWidth;
+    height_ = headerHeight;
     setFrameRate(getDuration() > 0 ? storedSamples() / getDuration() : 0);
-    const unsigned int headerWidth = width_;
-    const unsigned int headerHeight = height_;
     readDescriptions(true);
     if (displayWidth_ == 0) {
         displayWidth_ = headerWidth;
