@@ -490,5 +490,25 @@ TEST(HintTrack, CopiesBeginASampleOfTheirOwn) {
     EXPECT_EQ(take(track.finishSample()).size(), 42U);
 }
 
+TEST(HintTrack, IsMadeByTheFactory) {
+    for (const unsigned int type : {fourCC("vihi"), fourCC("auhi")}) {
+        for (const QTMovieConstructionFlags flavour : {kMOV, k3GP}) {
+            const std::unique_ptr<QTTrack> made(QTTrack::createNewQTTrackFromType(5, type, flavour));
+            const std::unique_ptr<QTAtom> trak(made->getTrak());
+            auto& track = dynamic_cast<QTHintTrack&>(*made);
+            EXPECT_EQ(track.getType(), type);
+            EXPECT_EQ(track.getMediaType(), fourCC("hint"));
+            EXPECT_EQ(track.getPayloadType(), type == fourCC("vihi") ? 96U : 97U);
+            EXPECT_EQ(track.setHintMaxBitrate(1), flavour == kMOV ? -1 : 0);
+            EXPECT_EQ(track.prepareForWriting(), 0);
+            const QTAtom* userData = trak->getAtomOfType(fourCC("udta"));
+            EXPECT_EQ(dynamic_cast<HNTI&>(*userData->getAtomOfType(fourCC("hnti"))).getDataAtoms().size(),
+                      1U);
+            EXPECT_EQ(dynamic_cast<HINF&>(*userData->getAtomOfType(fourCC("hinf"))).getDataAtoms().size(),
+                      15U);
+        }
+    }
+}
+
 } // namespace
 } // namespace test

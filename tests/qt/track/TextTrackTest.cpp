@@ -257,5 +257,20 @@ TEST(TextTrack, CopiesItsName) {
     EXPECT_EQ(copy.getTextName(), nullptr);
 }
 
+TEST(TextTrack, IsMadeByTheFactories) {
+    const std::unique_ptr<QTTrack> made(QTTrack::createNewQTTrackFromType(5, fourCC("text"), kMOV));
+    const std::unique_ptr<QTAtom> trak(made->getTrak());
+    auto& chapters = dynamic_cast<QTTextTrack&>(*made);
+    chapters.isChapterTrack(true);
+    chapters.prepareForWriting();
+    const std::unique_ptr<QTTrack> again(QTTrack::createNewQTTrackFromTRAK(trak.get()));
+    EXPECT_TRUE(dynamic_cast<QTTextTrack&>(*again).isChapterTrack()); // by the mark written just now
+
+    const ParsedTree tree(trackBytes(kHeader, sampleEntry("text", textBody("00000001", "00"))));
+    const std::unique_ptr<QTTrack> read(QTTrack::createNewQTTrackFromTRAK(tree.trak()));
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->getType(), fourCC("text"));
+}
+
 } // namespace
 } // namespace test

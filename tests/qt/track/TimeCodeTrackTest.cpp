@@ -220,5 +220,26 @@ TEST(TimeCodeTrack, CopiesItsTexts) {
     EXPECT_EQ(sourceReference(copy), "");
 }
 
+TEST(TimeCodeTrack, IsMadeByTheFactories) {
+    for (const QTMovieConstructionFlags flavour : {kMOV, kMP4}) {
+        const std::unique_ptr<QTTrack> made(QTTrack::createNewQTTrackFromType(5, fourCC("tmcd"), flavour));
+        const std::unique_ptr<QTAtom> trak(made->getTrak());
+        EXPECT_EQ(made->getType(), fourCC("tmcd"));
+        EXPECT_EQ(made->getMediaType(), fourCC("tmcd"));
+        EXPECT_EQ(made->prepareForWriting(), 0);
+        const QTAtom* minf = trak->getAtomOfType(fourCC("mdia"))->getAtomOfType(fourCC("minf"));
+        QTAtom* header = minf->getAtomOfType(fourCC("gmhd"));
+        ASSERT_EQ(header != nullptr, flavour == kMOV);
+        if (header) {
+            EXPECT_EQ(take(header->serialize()).size(), 79U); // 8 and 71
+        }
+    }
+    const ParsedTree tree(trackBytes(kHeader, sampleEntry("tmcd", kFields)));
+    const std::unique_ptr<QTTrack> read(QTTrack::createNewQTTrackFromTRAK(tree.trak()));
+    ASSERT_NE(read, nullptr);
+    EXPECT_EQ(read->getType(), fourCC("tmcd"));
+    EXPECT_EQ(read->getMediaType(), fourCC("time"));
+}
+
 } // namespace
 } // namespace test

@@ -43,8 +43,8 @@ void TCMI::layout(Self& a, Io& io) {
     } else {
         io.u32(kMediaInfo);
         io.u32(fourCC("gmin"));
-        io.u32(0);                                                         // version, flags
-        for (const unsigned int word : {0x0040, 0x8000, 0x8000, 0x8000}) { // dither copy, grey
+        io.u32(0);                                                             // version, flags
+        for (const unsigned int word : {0x0040U, 0x8000U, 0x8000U, 0x8000U}) { // dither copy, grey
             io.u16(word);
         }
         io.skip(4); // balance, reserved
