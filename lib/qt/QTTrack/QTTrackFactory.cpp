@@ -131,6 +131,14 @@ void addHintUserData(QTAtom& trak, const char* name) {
     add<HINF>(udta);
 }
 
+/// Filled when the track is prepared.
+void addApertures(QTAtom& trak) {
+    auto& tapt = add<TAPT>(trak);
+    add<CLEF>(tapt);
+    add<PROF>(tapt);
+    add<ENOF>(tapt);
+}
+
 void addMediaHeader(QTAtom& minf, unsigned int type, bool quickTime) {
     if (type == fourCC("vide")) {
         add<VMHD>(minf);
@@ -168,7 +176,7 @@ void addSampleTable(QTAtom& minf, unsigned int type) {
 std::unique_ptr<TRAK> makeTree(const MediaClass& media, unsigned int trackID, bool quickTime) {
     auto trak = std::make_unique<TRAK>();
     add<TKHD>(*trak, trackID);
-    if (quickTime && media.type == fourCC("vide")) add<TAPT>(*trak);
+    if (quickTime && media.type == fourCC("vide")) addApertures(*trak);
     if (media.kind != Kind::kOther) add<ELST>(add<EDTS>(*trak));
     if (isDescription(media.type)) add<TREF>(*trak);
     if (media.kind == Kind::kHint) {

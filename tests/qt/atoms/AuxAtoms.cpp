@@ -1,6 +1,7 @@
 #include "support/AtomFile.h"
 
 #include <qt/QTAtoms.h>
+#include <qt/QTTrack.h>
 
 #include <cstdlib>
 #include <gtest/gtest.h>
@@ -42,6 +43,23 @@ TEST(Aperture, DropsFractions) {
     clef->setWidth(720);
     clef->setHeight(576);
     EXPECT_EQ(take(clef->serialize()), hex("00000014 'clef' 00000000 02D00000 02400000"));
+}
+
+TEST(Aperture, IsFilledByANewVideoTrack) {
+    const std::unique_ptr<QTTrack> track(QTTrack::createNewQTTrackFromType(1, fourCC("vide"), kMOV));
+    const std::unique_ptr<QTAtom> trak(track->getTrak());
+    auto& video = dynamic_cast<QTVideoTrack&>(*track);
+    video.setWidth(720);
+    video.setHeight(576);
+    video.setDisplayAspectRatio(4, 3);
+    video.set_clap_width(704);
+    video.set_clap_height(576);
+    video.prepareForWriting();
+    EXPECT_EQ(take(trak->getAtomOfType(fourCC("tapt"))->serialize()),
+              hex({"00000044 'tapt'",                            //
+                   "00000014 'clef' 00000000 02EE0000 02400000", // 704 * 16 / 15 = 750
+                   "00000014 'prof' 00000000 03000000 02400000", // 768 x 576
+                   "00000014 'enof' 00000000 02D00000 02400000"}));
 }
 
 TEST(Gamma, ReadsItsBytesUnswapped) {
