@@ -35,8 +35,8 @@ bool isProRes(unsigned int format) {
 
 template <class T>
 T firstSet(T value, T otherwise, T last = 0) {
-    if (value) return value;
-    return otherwise ? otherwise : last;
+    if (value != T{}) return value;
+    return otherwise != T{} ? otherwise : last;
 }
 
 /// Bytes that begin with an atom header which they can satisfy.

@@ -334,7 +334,8 @@ TEST(VideoTrack, OwnsItsFrames) {
     EXPECT_TRUE(copy.getH264SeqParSet());
     EXPECT_NE(copy.getSVQ3Data(), track.getSVQ3Data());
     copy = track;
-    copy = copy;
+    const QTVideoTrack& itself = copy;
+    copy = itself;
     track.setH264SeqParSet(nullptr);
     EXPECT_TRUE(copy.getH264SeqParSet());
     EXPECT_EQ(track.getH264SeqParSet(), nullptr);
