@@ -3,6 +3,7 @@
 #include <qt/QTAtoms/entries/DAMR.h>
 #include <qt/QTAtoms/entries/STSDAudio.h>
 #include <qt/QTTrack/QTAudioTrack.h>
+#include <qt/QTTrack/detail/AudioFormats.h>
 #include <qt/QTTrack/detail/Extensions.h>
 #include <qt/QTTrack/detail/SampleEntries.h>
 
@@ -13,13 +14,7 @@ namespace Ketra::QT {
 namespace {
 
 constexpr unsigned int kEntryHeader = 16;
-constexpr unsigned int kBigEndian = fourCC("big ");
-constexpr unsigned int kLittleEndian = fourCC("lit ");
 constexpr unsigned int kFlagBigEndian = 2; // of linear PCM
-
-/// By the sampling frequency index of an MPEG-4 audio configuration.
-constexpr unsigned int kSampleRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
-                                         22050, 16000, 12000, 11025, 8000,  7350};
 
 } // namespace
 
@@ -106,7 +101,7 @@ void QTAudioTrack::DescriptionReader::takeFields(const STSDAudio& d, double samp
 void QTAudioTrack::DescriptionReader::takeLinearPCM(const STSDAudio& d) {
     if (entry_.getDataFormat() == fourCC("lpcm")) {
         const auto flags = static_cast<unsigned int>(d.getFormatSpecificFlags());
-        track_.endian_ = flags & kFlagBigEndian ? kBigEndian : kLittleEndian;
+        track_.endian_ = flags & kFlagBigEndian ? wire::kBig : wire::kLittle;
         track_.bytesPerSample_ = d.getSampleSize() / 8U;
         track_.bytesPerPacket_ = d.getBytesPerPacket();
         track_.setSamplesPerPacket(d.getSamplesPerPacket());
@@ -175,7 +170,7 @@ void QTAudioTrack::DescriptionReader::specificInfo(const DecoderSpecificInfo& in
     const unsigned int rate = (bits >> 7) & 15;
     const unsigned int channels = (bits >> 3) & 15;
     if (channels) track_.channels_ = channels == 7 ? 8 : channels;
-    if (rate < std::size(kSampleRates)) track_.sampleRate_ = kSampleRates[rate];
+    if (rate < std::size(wire::kSampleRates)) track_.sampleRate_ = wire::kSampleRates[rate];
 }
 
 void QTAudioTrack::DescriptionReader::setSpeech(unsigned short bits, double sampleRate) {
@@ -204,7 +199,7 @@ void QTAudioTrack::DescriptionReader::evrc(const Extension&) {
 }
 
 void QTAudioTrack::DescriptionReader::enda(const Extension& atom) {
-    track_.endian_ = atom.u16(8) == 1 ? kLittleEndian : kBigEndian;
+    track_.endian_ = atom.u16(8) == 1 ? wire::kLittle : wire::kBig;
 }
 
 int QTAudioTrack::parseStsd(QTAtom* atom) {

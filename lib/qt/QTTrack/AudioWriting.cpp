@@ -4,6 +4,7 @@
 #include <qt/QTAtoms/samples/STSZ.h>
 #include <qt/QTAtoms/samples/STTS.h>
 #include <qt/QTTrack/QTAudioTrack.h>
+#include <qt/QTTrack/detail/AudioFormats.h>
 #include <qt/QTTrack/detail/MediaWriting.h>
 #include <qt/wire/Numbers.h>
 #include <qt/wire/Throw.h>
@@ -15,8 +16,12 @@ namespace Ketra::QT {
 
 namespace {
 
-constexpr unsigned int kBig = fourCC("big ");
-constexpr unsigned int kLittle = fourCC("lit ");
+using wire::Coding;
+using Format = wire::AudioFormat;
+using wire::kBig;
+using wire::kLittle;
+using wire::kSampleRates;
+
 constexpr unsigned int kVendor = fourCC("KETR");
 constexpr double kHighestShortRate = 65535; // what a 16.16 rate can hold
 constexpr short kVariableRate = -2;
@@ -28,66 +33,6 @@ constexpr unsigned int kFloat = 1;
 constexpr unsigned int kBigEndian = 2;
 constexpr unsigned int kSigned = 4;
 constexpr unsigned int kPacked = 8;
-
-enum class Coding { kPCM, kFloatPCM, kUnsignedPCM, kMPEG4, kMP3, kALAC, kQDM2, kAMR, kQCELP, kEVRC, kOther };
-
-bool isPCM(Coding coding) {
-    return coding == Coding::kPCM || coding == Coding::kFloatPCM || coding == Coding::kUnsignedPCM;
-}
-bool isSpeech(Coding coding) {
-    return coding == Coding::kAMR || coding == Coding::kQCELP || coding == Coding::kEVRC;
-}
-
-/// A data format of the track: the code it is written under, and what is known of its samples.
-struct Format {
-    unsigned int code;
-    unsigned int written;
-    Coding coding;
-    unsigned int bytes;  // of one sample; 0: as the track says
-    unsigned int endian; // 0: as the track says
-};
-
-constexpr Format kFormats[] = {
-    {fourCC("raw "), fourCC("raw "), Coding::kUnsignedPCM, 0, 0},
-    {fourCC("pc8U"), fourCC("raw "), Coding::kUnsignedPCM, 1, 0},
-    {fourCC("pc8S"), fourCC("sowt"), Coding::kPCM, 1, kLittle},
-    {fourCC("sowt"), fourCC("sowt"), Coding::kPCM, 0, kLittle},
-    {fourCC("twos"), fourCC("twos"), Coding::kPCM, 0, kBig},
-    {fourCC("p16s"), fourCC("sowt"), Coding::kPCM, 2, kLittle},
-    {fourCC("p16S"), fourCC("twos"), Coding::kPCM, 2, kBig},
-    {fourCC("in24"), fourCC("in24"), Coding::kPCM, 3, 0},
-    {fourCC("p24s"), fourCC("in24"), Coding::kPCM, 3, kLittle},
-    {fourCC("p24S"), fourCC("in24"), Coding::kPCM, 3, kBig},
-    {fourCC("in32"), fourCC("in32"), Coding::kPCM, 4, 0},
-    {fourCC("p32s"), fourCC("in32"), Coding::kPCM, 4, kLittle},
-    {fourCC("p32S"), fourCC("in32"), Coding::kPCM, 4, kBig},
-    {fourCC("fl32"), fourCC("fl32"), Coding::kFloatPCM, 4, 0},
-    {fourCC("f32l"), fourCC("fl32"), Coding::kFloatPCM, 4, kLittle},
-    {fourCC("f32b"), fourCC("fl32"), Coding::kFloatPCM, 4, kBig},
-    {fourCC("fl64"), fourCC("fl64"), Coding::kFloatPCM, 8, 0},
-    {fourCC("f64l"), fourCC("fl64"), Coding::kFloatPCM, 8, kLittle},
-    {fourCC("f64b"), fourCC("fl64"), Coding::kFloatPCM, 8, kBig},
-    {fourCC("lpcm"), fourCC("lpcm"), Coding::kPCM, 0, 0},
-    {fourCC("mp4a"), fourCC("mp4a"), Coding::kMPEG4, 0, 0},
-    {fourCC("mp1a"), fourCC("mp4a"), Coding::kMPEG4, 0, 0},
-    {fourCC("mp2a"), fourCC("mp4a"), Coding::kMPEG4, 0, 0},
-    {fourCC("mp3a"), fourCC(".mp3"), Coding::kMP3, 0, 0},
-    {fourCC(".mp3"), fourCC(".mp3"), Coding::kMP3, 0, 0},
-    {fourCC("alac"), fourCC("alac"), Coding::kALAC, 0, 0},
-    {fourCC("QDM2"), fourCC("QDM2"), Coding::kQDM2, 0, 0},
-    {fourCC("samr"), fourCC("samr"), Coding::kAMR, 0, 0},
-    {fourCC("amrn"), fourCC("samr"), Coding::kAMR, 0, 0},
-    {fourCC("sawb"), fourCC("sawb"), Coding::kAMR, 0, 0},
-    {fourCC("amrw"), fourCC("sawb"), Coding::kAMR, 0, 0},
-    {fourCC("sqcp"), fourCC("sqcp"), Coding::kQCELP, 0, 0},
-    {fourCC("sevc"), fourCC("sevc"), Coding::kEVRC, 0, 0},
-};
-
-Format formatOf(unsigned int code) {
-    const auto* row = std::find_if(std::begin(kFormats), std::end(kFormats),
-                                   [code](const Format& format) { return format.code == code; });
-    return row == std::end(kFormats) ? Format{code, code, Coding::kOther, 0, 0} : *row;
-}
 
 /// Speech codecs are bound to the file families that define them.
 void checkFlavour(Coding coding, QTMovieConstructionFlags flavour) {
@@ -103,10 +48,6 @@ void checkFlavour(Coding coding, QTMovieConstructionFlags flavour) {
 /// By the number of channels, from 1.
 constexpr unsigned int kLayoutTags[] = {0x00640001, 0x00650002, 0x00710003, 0x00730004,
                                         0x00750005, 0x00790006, 0x007D0007, 0x007F0008};
-
-/// By the sampling frequency index of an MPEG-4 audio configuration.
-constexpr unsigned int kSampleRates[] = {96000, 88200, 64000, 48000, 44100, 32000, 24000,
-                                         22050, 16000, 12000, 11025, 8000,  7350};
 
 unsigned int nearestRateIndex(double rate) {
     const auto nearest = std::min_element(
@@ -127,7 +68,7 @@ public:
         if (!bytes_) bytes_ = format.coding == Coding::kUnsignedPCM ? 1 : 2;
         written_ = isMOV_ || format.coding != Coding::kMP3 ? format.written : fourCC("mp4a");
         const bool tooHigh = track.sampleRate_ > kHighestShortRate;
-        if (isMOV_ && isPCM(format.coding) && tooHigh) written_ = fourCC("lpcm");
+        if (isMOV_ && wire::isPCM(format.coding) && tooHigh) written_ = fourCC("lpcm");
     }
 
     void write(STSDData& entry);
@@ -186,14 +127,14 @@ void QTAudioTrack::DescriptionWriter::write(STSDData& entry) {
     const Row* row = std::find_if(std::begin(kRows), std::end(kRows),
                                   [this](const Row& r) { return r.coding == format_.coding; });
     if (row != std::end(kRows)) (this->*row->write)();
-    if (isMOV_ && !isSpeech(format_.coding) && format_.coding != Coding::kOther) writeLayout();
+    if (isMOV_ && !wire::isSpeech(format_.coding) && format_.coding != Coding::kOther) writeLayout();
 }
 
 /// Only QuickTime movies have more than the plain form: with packets, or linear PCM in full.
 unsigned short QTAudioTrack::DescriptionWriter::version() const {
-    if (!isMOV_ || isSpeech(format_.coding) || format_.coding == Coding::kOther) return 0;
+    if (!isMOV_ || wire::isSpeech(format_.coding) || format_.coding == Coding::kOther) return 0;
     if (written_ == fourCC("lpcm")) return 2;
-    return isPCM(format_.coding) && format_.bytes < 3 ? 0 : 1;
+    return wire::isPCM(format_.coding) && format_.bytes < 3 ? 0 : 1;
 }
 
 unsigned int QTAudioTrack::DescriptionWriter::endian() const {
@@ -220,7 +161,7 @@ unsigned int QTAudioTrack::DescriptionWriter::samplesPerPacket(unsigned int usua
 void QTAudioTrack::DescriptionWriter::fill(STSDAudio& d) const {
     constexpr unsigned int kSizes[] = {20, 36, 56};
     constexpr unsigned int kTemplateChannels = 2; // speech entries hold fixed values
-    const bool speech = isSpeech(format_.coding);
+    const bool speech = wire::isSpeech(format_.coding);
     const bool wide = written_ == fourCC("sawb");
     d.setVersion(version());
     d.setSize(kSizes[version()]);
@@ -232,12 +173,12 @@ void QTAudioTrack::DescriptionWriter::fill(STSDAudio& d) const {
     d.setFormatSpecificFlags(0);
     if (format_.coding == Coding::kOther) {
         d.setSampleSize(track_.sampleSize_);
-    } else if (isPCM(format_.coding) && version() == 0) {
+    } else if (wire::isPCM(format_.coding) && version() == 0) {
         d.setSampleSize(static_cast<unsigned short>(bytes_ * 8));
     } else {
         d.setSampleSize(16);
     }
-    const bool compressed = packed() && !isPCM(format_.coding);
+    const bool compressed = packed() && !wire::isPCM(format_.coding);
     const short usual = compressed ? kVariableRate : short{0};
     const short id = track_.compressionID_ ? track_.compressionID_ : usual;
     d.setCompressionID(static_cast<unsigned short>(id));
@@ -245,7 +186,7 @@ void QTAudioTrack::DescriptionWriter::fill(STSDAudio& d) const {
 }
 
 void QTAudioTrack::DescriptionWriter::fillPackets(STSDAudio& d) const {
-    if (isPCM(format_.coding)) {
+    if (wire::isPCM(format_.coding)) {
         d.setSamplesPerPacket(1);
         d.setBytesPerPacket(bytes_);
         d.setBytesPerFrame(bytes_ * track_.channels_);
@@ -420,7 +361,7 @@ void QTAudioTrack::writeConstantSize(unsigned int bytesPerSample) {
 }
 
 int QTAudioTrack::prepareForWriting() {
-    const Format format = formatOf(getDataFormat());
+    const Format format = wire::audioFormat(getDataFormat());
     checkFlavour(format.coding, getMovieType());
     if (getAtomMediaTimeScale() == 0) setAtomMediaTimeScale(wire::toUnsigned32(sampleRate_));
     setAtomMediaDuration(mediaUnits(getDuration()));
@@ -429,7 +370,7 @@ int QTAudioTrack::prepareForWriting() {
     QTTrack::prepareForWriting();
     DescriptionWriter writer(*this, format);
     if (STSDData* entry = getCurrentAtomSampleDescriptionData()) writer.write(*entry);
-    if (isPCM(format.coding)) writeConstantSize(writer.bytesPerSample());
+    if (wire::isPCM(format.coding)) writeConstantSize(writer.bytesPerSample());
     return 0;
 }
 
