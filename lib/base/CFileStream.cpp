@@ -9,9 +9,10 @@
 namespace Ketra::Ferro {
 namespace {
 
-// A place read for the first time brings in one page, which is enough for the headers there. Reading on from
-// it doubles that up to the whole window.
-constexpr std::int64_t kFirstFill = 4096;
+// A place read for the first time brings in little, which is enough for a header or a small sample there and
+// costs no more than either. Reading on from it doubles that up to the whole window.
+constexpr std::int64_t kFirstFill = 512;
+constexpr std::int64_t kNear = 4096; // a step ahead of this many bytes still counts as reading on
 constexpr std::int64_t kWindow = 256 * 1024;
 
 os::Access toAccess(CFileStream::Mode mode) {
@@ -101,8 +102,7 @@ std::int64_t CFileStream::takeFromWindow(unsigned char* buffer, std::int64_t len
 }
 
 std::int64_t CFileStream::readFile(unsigned char* buffer, std::int64_t length) {
-    const bool goesOn =
-        lastReadEnd_ >= 0 && position_ >= lastReadEnd_ && position_ - lastReadEnd_ < kFirstFill;
+    const bool goesOn = lastReadEnd_ >= 0 && position_ >= lastReadEnd_ && position_ - lastReadEnd_ < kNear;
     fill_ = goesOn ? std::min(fill_ * 2, kWindow) : kFirstFill;
     if (length >= fill_) {
         const std::int64_t got = os::readAt(file_, buffer, length, position_);

@@ -134,6 +134,7 @@ private:
                              unsigned int* got);
 
     int positionAt(unsigned int n);
+    int place(unsigned int n);
     int positionAtTime(double t);
     int seekTime(double t);
     bool locate(unsigned int n);
@@ -141,6 +142,8 @@ private:
     void setTableIterators();
     bool withinDuration(double seconds) const { return duration_ + mediaStart_ >= seconds; }
     double seconds(std::uint64_t ticks) const;
+    bool ticksWithinDuration(std::uint64_t ticks) const;
+    void setSampleTicks(std::uint64_t ticks);
     bool ticksOf(unsigned int n, std::uint64_t& ticks, std::uint64_t& entry);
     bool enterTimeEntry(std::uint64_t entry);
     std::uint64_t sizeOf(std::uint64_t n) const;
@@ -195,6 +198,9 @@ private:
     std::uint64_t currentTicks_ = 0;
     bool timeKnown_ = false;
     std::uint64_t sampleTicks_ = 0; // duration of the current frame
+    double sampleSeconds_ = 0;      // the same
+    std::uint64_t safeTicks_ = 0;   // up to here a time is surely within the duration
+    std::uint64_t knownLength_ = 0; // of the data stream, as far as it was asked
     bool moreFrames_ = false;
     unsigned int dataFormat_ = 0;
     bool buffering_ = false;

@@ -341,8 +341,8 @@ TEST_F(CFileStreamTest, ReadsHeadersAndSmallFramesFromTheWindow) {
     make(pattern(0, kSize));
     unsigned char bytes[64];
 
-    // Headers with a skip of 40 bytes after each: the window doubles six times (4 KiB to 256 KiB), then
-    // stays.
+    // Headers with a skip of 40 bytes after each: the window doubles nine times (512 bytes to 256
+    // KiB), then stays.
     CFileStream headers(path().c_str(), CFileStream::kRead);
     EXPECT_LE(countReadCalls([&] {
                   for (std::int64_t at = 0; at < kSize; at += 48) {
@@ -350,14 +350,14 @@ TEST_F(CFileStreamTest, ReadsHeadersAndSmallFramesFromTheWindow) {
                       headers.read(bytes, 8);
                   }
               }),
-              6 + 16 + 2);
+              9 + 16 + 2);
 
     CFileStream frames(path().c_str(), CFileStream::kRead);
     EXPECT_LE(countReadCalls([&] {
                   while (frames.read(bytes, 24) > 0) {
                   }
               }),
-              6 + 16 + 2);
+              9 + 16 + 2);
 
     // A large read after the window goes to the file once.
     CFileStream large(path().c_str(), CFileStream::kRead);

@@ -126,7 +126,9 @@ int QTChunk::setSampleDescriptionID(unsigned int id) {
     if (descriptionID_ && entry->getDataFormat() != dataFormat_) return -1; // a track keeps its format
     dataFormat_ = entry->getDataFormat();
     descriptionID_ = id;
-    stream_ = dataStream(*entry);
+    QTStream* source = dataStream(*entry);
+    if (source != stream_) knownLength_ = 0;
+    stream_ = source;
     if (track_->getType() == fourCC("audi")) return setNeedsBuffering(*entry);
     buffering_ = false;
     sizeFactor_ = 1;

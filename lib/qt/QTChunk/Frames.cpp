@@ -24,9 +24,12 @@ using wire::Access;
 unsigned char* QTChunk::readBytes(const char* function, std::uint64_t offset, std::uint64_t size,
                                   unsigned int* got) {
     *got = 0;
-    const std::int64_t length = stream_ ? stream_->size() : 0;
-    const bool impossible = size > std::numeric_limits<unsigned int>::max() ||
-                            (length > 0 && size > static_cast<std::uint64_t>(length));
+    bool impossible = size > std::numeric_limits<unsigned int>::max();
+    if (size > knownLength_) { // asked again only when it matters
+        const std::int64_t length = stream_ ? stream_->size() : 0;
+        knownLength_ = length > 0 ? static_cast<std::uint64_t>(length) : 0;
+        impossible = impossible || (length > 0 && size > knownLength_);
+    }
     wire::MallocPtr block = impossible ? nullptr : wire::allocateRaw(size);
     if (!block) QT_THROW(wire::area::kChunk, function, "Unable to alloc data");
     const auto position = static_cast<std::int64_t>(offset);
@@ -43,17 +46,16 @@ unsigned char* QTChunk::readBytes(const char* function, std::uint64_t offset, st
 
 QTFrame* QTChunk::readFrame(const char* function, bool consumeOffset) {
     if (chunkNumber_ == 0) return nullptr;
-    const std::uint64_t ticks = entryDuration_ * samplesPerFrame_;
     unsigned int length = 0;
     wire::MallocPtr bytes(readBytes(function, sampleOffset_, sampleSize_, &length));
     const double decode = seconds(currentTicks_);
     double composition = decode;
     if (ctts_) {
         const int offset = consumeOffset ? ctts_->getNextDecodeOffset() : Access::peekDecodeOffset(*ctts_);
-        composition = decode + (timeScale_ ? static_cast<double>(offset) / timeScale_ : 0.0);
+        if (offset && timeScale_) composition += static_cast<double>(offset) / timeScale_;
     }
-    auto* frame = new QTFrame(length, bytes.get(), composition, seconds(ticks), isKeyframe_, reportedSamples_,
-                              decode + seconds(sampleTicks_), decode, false);
+    auto* frame = new QTFrame(length, bytes.get(), composition, sampleSeconds_, isKeyframe_, reportedSamples_,
+                              decode + sampleSeconds_, decode, false);
     static_cast<void>(bytes.release());
     return frame;
 }
@@ -80,7 +82,7 @@ bool QTChunk::advance() {
     ++currentSample_;
     ++sampleInChunk_;
     const std::uint64_t stored = static_cast<std::uint64_t>(samplesPerFrame_) * currentSample_;
-    if (stored == 0 || stored > sampleCount_ || !withinDuration(seconds(currentTicks_))) return false;
+    if (stored == 0 || stored > sampleCount_ || !ticksWithinDuration(currentTicks_)) return false;
     if (nextSampleTime() != 0) return false;
     const std::uint64_t previousSize = sampleSize_;
     if (static_cast<std::uint64_t>(samplesPerFrame_) * sampleInChunk_ > samplesPerChunk_ &&
@@ -116,9 +118,9 @@ int QTChunk::nextSampleTime() {
         } while (first >= lastCoveredSample_);
         enterTimeEntry(timeEntry_);
         times.cursor = static_cast<unsigned int>(timeEntry_);
-        sampleTicks_ = entryDuration_ * samplesPerFrame_;
+        setSampleTicks(entryDuration_ * samplesPerFrame_);
     }
-    return withinDuration(seconds(currentTicks_)) ? 0 : -1;
+    return ticksWithinDuration(currentTicks_) ? 0 : -1;
 }
 
 /// The next chunk that holds samples.
@@ -162,7 +164,7 @@ unsigned int QTChunk::lastPlayable(unsigned int from, unsigned int to) {
         std::uint64_t ticks = 0;
         std::uint64_t entry = 0;
         return static_cast<std::uint64_t>(samplesPerFrame_) * n <= sampleCount_ && ticksOf(n, ticks, entry) &&
-               withinDuration(seconds(ticks));
+               ticksWithinDuration(ticks);
     };
     if (playable(to)) return to;
     unsigned int low = from;
@@ -209,7 +211,7 @@ QTFrame* QTChunk::bufferNextChunk() {
     sampleInChunk_ += count - 1;
     currentSample_ = last;
     currentTicks_ = lastTicks;
-    sampleTicks_ = lastDuration;
+    setSampleTicks(lastDuration);
     moreFrames_ = updateSettings();
     return frame;
 }

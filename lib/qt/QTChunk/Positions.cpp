@@ -54,24 +54,15 @@ unsigned int QTChunk::findChunkNumber(unsigned int n) {
         std::min({static_cast<std::uint64_t>(chunkCount_), chunks.held(), Access::table(*stco_).held()});
     const std::uint64_t last =
         static_cast<std::uint64_t>(samplesPerFrame_) * n; // the frame's last stored sample
-    const auto endOf = [&](std::uint64_t i) {
-        const auto chunk = chunks.at(i);
-        return static_cast<std::uint64_t>(chunk.totalBefore) + chunk.samplesPerChunk;
+    const auto holds = [last](const wire::ChunkRun& chunk) {
+        return chunk.totalBefore < last && last <= chunk.end();
     };
     std::uint64_t found = 0;
     if (chunks.packed() && !chunks.store().wrapped()) {
-        std::uint64_t high = limit; // ends do not fall, so halve
-        while (found < high) {
-            const std::uint64_t middle = found + (high - found) / 2;
-            if (endOf(middle) >= last) {
-                high = middle;
-            } else {
-                found = middle + 1;
-            }
-        }
-        if (found < limit && chunks.at(found).totalBefore >= last) return 0;
+        found = chunks.store().firstEndingAt(last);
+        if (found >= limit || !holds(chunks.at(found))) return 0;
     } else {
-        while (found < limit && (chunks.at(found).totalBefore >= last || endOf(found) < last)) {
+        while (found < limit && !holds(chunks.at(found))) {
             ++found;
         }
     }
@@ -168,7 +159,7 @@ int QTChunk::setPreviousKeyframe() {
         nextKeyframe_ = hasNextKeyframe_ ? sync.at(syncPosition_) : 0;
         if (none) nextKeyframe_ = 1;
     }
-    if (ctts_) Access::seekDecodeOffset(*ctts_, previousKeyframe_ ? previousKeyframe_ - 1 : 0);
+    // The composition cursor would go to the key frame here; every positioning moves it on to its own sample.
     return 0;
 }
 
@@ -187,7 +178,7 @@ void QTChunk::setTableIterators() {
     Access::table(*stts_).cursor = static_cast<unsigned int>(timeEntry_);
     Access::table(*stco_).cursor = chunkNumber_;
     if (ctts_) Access::seekDecodeOffset(*ctts_, currentSample_ - 1);
-    sampleTicks_ = entryDuration_ * samplesPerFrame_;
+    setSampleTicks(entryDuration_ * samplesPerFrame_);
 }
 
 /// Nothing is current: frames are null until the next positioning, which starts afresh.
@@ -196,23 +187,30 @@ void QTChunk::leavePosition() {
     chunkNumber_ = 0;
 }
 
-int QTChunk::positionAt(unsigned int n) {
-    const auto position = [this, n] {
-        if (rangeCheck(n) != 0 || reset() != 0) return false;
+/// Makes sample n current; the tables and settings are those of the last reset().
+int QTChunk::place(unsigned int n) {
+    const auto placed = [this, n] {
+        if (rangeCheck(n) != 0) return false;
         currentSample_ = n;
         setPreviousKeyframe();
         std::uint64_t entry = 0;
         if (!ticksOf(n, currentTicks_, entry)) return false;
         enterTimeEntry(entry);
         timeKnown_ = true;
-        return withinDuration(seconds(currentTicks_)) && locate(n);
+        return ticksWithinDuration(currentTicks_) && locate(n);
     };
-    if (!position()) {
+    if (!placed()) {
         leavePosition();
         return -1;
     }
     setTableIterators();
     return 0;
+}
+
+int QTChunk::positionAt(unsigned int n) {
+    if (rangeCheck(n) == 0 && reset() == 0) return place(n);
+    leavePosition();
+    return -1;
 }
 
 int QTChunk::initWithSample(unsigned int n) {

@@ -9,6 +9,7 @@
 #include <qt/wire/Numbers.h>
 #include <qt/wire/Throw.h>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace Ketra::QT {
@@ -111,7 +112,11 @@ int QTChunk::reset() {
     currentSample_ = 0;
     currentTicks_ = 0;
     timeKnown_ = false;
-    sampleTicks_ = 0;
+    setSampleTicks(0);
+    // Far enough inside the duration whole ticks tell, without a division.
+    const double limit = (duration_ + mediaStart_) * timeScale_;
+    constexpr double kExact = 1125899906842624.0; // 2^50: ticks below it have exact doubles
+    safeTicks_ = limit > 2 ? static_cast<std::uint64_t>(std::min(limit, kExact)) - 2 : 0;
     if (!stsz_ || !stco_) return -1;
     sampleCount_ = stsz_->getNumberOfEntries();
     constantSize_ = stsz_->getSampleSize();
@@ -130,6 +135,15 @@ int QTChunk::reset() {
 
 double QTChunk::seconds(std::uint64_t ticks) const {
     return wire::toSeconds(static_cast<double>(ticks), timeScale_);
+}
+
+bool QTChunk::ticksWithinDuration(std::uint64_t ticks) const {
+    return ticks <= safeTicks_ || withinDuration(seconds(ticks));
+}
+
+void QTChunk::setSampleTicks(std::uint64_t ticks) {
+    sampleTicks_ = ticks;
+    sampleSeconds_ = seconds(ticks);
 }
 
 double QTChunk::getCurrentTime() const { return timeKnown_ ? seconds(currentTicks_) : -1.0; }

@@ -44,7 +44,7 @@ QTChunk* QTTrack::getChunk() {
 int QTTrack::initWithTime(float t) {
     QTChunk* chunk = getChunk();
     if (!chunk || chunk->seekTime(static_cast<double>(t) + firstEditStart(*this)) != 0) return -1;
-    return chunk->positionAt(chunk->getPreviousKeyframe());
+    return chunk->place(chunk->getPreviousKeyframe());
 }
 
 int QTTrack::initWithSample(unsigned int n) {
@@ -53,7 +53,7 @@ int QTTrack::initWithSample(unsigned int n) {
     if (n == 1) {
         if (const double start = firstEditStart(*this); start > 0) {
             if (chunk->seekTime(start) != 0) return -1;
-            return chunk->positionAt(chunk->getPreviousKeyframe());
+            return chunk->place(chunk->getPreviousKeyframe());
         }
     }
     return chunk->initWithSample(n);

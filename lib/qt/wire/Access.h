@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <type_traits>
+#include <typeinfo>
 #include <vector>
 
 namespace Ketra::QT::wire {
@@ -104,6 +105,7 @@ Atom* child(const QTAtom* parent, unsigned int type) {
     if (!parent) return nullptr;
     for (QTAtom* atom : Access::children(*parent)) {
         if (atom->getType() != type) continue;
+        if (typeid(*atom) == typeid(Atom)) return static_cast<Atom*>(atom); // nearly always, and cheap to see
         if (auto* typed = dynamic_cast<Atom*>(atom)) return typed;
     }
     return nullptr;

@@ -47,6 +47,9 @@ public:
     ChunkRun last() const { return at(size_ - 1); }
     /// In order of their starts; no two neighbours continue each other.
     const std::vector<Segment>& segments() const { return segments_; }
+    /// The index of the first entry whose samples reach `last` (counted from 1), or size(). Needs totals that
+    /// rise evenly.
+    std::uint64_t firstEndingAt(std::uint64_t last) const;
     /// True when totals do not rise evenly: some entry's total is below the end of the entry before it, as
     /// when the count passed 2^32. Totals cannot be searched by halves then.
     bool wrapped() const { return wrapped_; }
@@ -88,6 +91,20 @@ inline ChunkRun ChunkRuns::at(std::uint64_t i) const {
                          [](std::uint64_t index, const Segment& segment) { return index < segment.start; });
     const Segment& segment = *(behind - 1);
     return segment.first.advanced(i - segment.start);
+}
+
+inline std::uint64_t ChunkRuns::firstEndingAt(std::uint64_t last) const {
+    const auto reaches = [this, last](const Segment& segment) {
+        const Segment* next = &segment + 1;
+        const std::uint64_t behind = next == segments_.data() + segments_.size() ? size_ : next->start;
+        return segment.first.totalBefore + (behind - segment.start) * segment.first.samplesPerChunk >= last;
+    };
+    const auto found = std::partition_point(segments_.begin(), segments_.end(),
+                                            [&reaches](const Segment& segment) { return !reaches(segment); });
+    if (found == segments_.end()) return size_;
+    const ChunkRun& first = found->first;
+    if (first.samplesPerChunk == 0 || last <= first.end()) return found->start;
+    return found->start + (last - first.totalBefore - 1) / first.samplesPerChunk;
 }
 
 inline void ChunkRuns::append(const ChunkRun& first, std::uint64_t count) {
