@@ -1,8 +1,8 @@
 // How the samples of a sample description are grouped into frames.
 #include <qt/QTAtoms.h>
 #include <qt/QTChunk.h>
-#include <qt/QTChunk/detail/PcmFormats.h>
 #include <qt/QTTrack/QTTrack.h>
+#include <qt/QTTrack/detail/AudioFormats.h>
 #include <qt/wire/Access.h>
 
 #include <algorithm>
@@ -94,7 +94,7 @@ constexpr GroupingRule kRules[] = {
 
 Grouping otherFormat(unsigned int format, const Sound& sound, unsigned int constantSize) {
     // A format with a size for each stored sample, like most compressed audio: one of them is a frame.
-    if (constantSize == 0 && !wire::isPcm(format)) return {false, 1, 1, 1, false};
+    if (constantSize == 0 && !wire::isPCM(wire::audioFormat(format).coding)) return {false, 1, 1, 1, false};
     if (sound.version == 1 && sound.samplesPerPacket != 0 && sound.bytesPerPacket != 1) {
         return {true, sound.samplesPerPacket, sound.bytesPerFrame, sound.samplesPerPacket, true};
     }

@@ -5,9 +5,9 @@
 #include <qt/QTAtoms/detail/EditRecords.h>
 #include <qt/QTAtoms/detail/SampleRecords.h>
 #include <qt/QTChunk.h>
-#include <qt/QTChunk/detail/PcmFormats.h>
 #include <qt/QTTrack/QTAudioTrack.h>
 #include <qt/QTTrack/QTTrack.h>
+#include <qt/QTTrack/detail/AudioFormats.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Block.h>
 #include <qt/wire/Numbers.h>
@@ -134,7 +134,7 @@ int QTTrack::_addSample(QTFrame* frame, bool sync, bool partial) {
 /// What a frame without a sample count holds: in plain audio its bytes tell, anything else is one sample.
 unsigned int QTTrack::samplesOf(const QTFrame& frame) {
     const auto* audio = dynamic_cast<const QTAudioTrack*>(this);
-    if (!audio || (dataFormat_ != 0 && !wire::isPcm(dataFormat_))) return 1;
+    if (!audio || (dataFormat_ != 0 && !wire::isPCM(wire::audioFormat(dataFormat_).coding))) return 1;
     const unsigned int bytes =
         audio->getBytesPerSample() ? audio->getBytesPerSample() : audio->getSampleSize() / 8U;
     if (bytes == 0 || audio->getChannels() == 0) return 1;
