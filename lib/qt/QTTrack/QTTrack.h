@@ -249,6 +249,8 @@ protected:
     QTAtom* tref() const { return tref_; }
 
 private:
+    friend struct wire::Access;
+
     struct BitRateRecord {
         unsigned int length;
         double time;
