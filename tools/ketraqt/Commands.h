@@ -1,0 +1,30 @@
+// The commands. Each writes its data to standard output; all but the first throw what is wrong with the file.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace Ketra::Tool {
+
+struct SamplesOptions {
+    std::string file;
+    unsigned int track = 0;
+    std::optional<double> fromTime; ///< seconds
+    std::optional<unsigned int> fromSample;
+    std::optional<unsigned int> count;
+    bool json = false;
+};
+
+struct ExtractOptions {
+    std::string file;
+    unsigned int track = 0;
+    std::string output; ///< "-": standard output
+};
+
+int runInfo(const std::vector<std::string>& files, bool json); ///< goes on after a bad file; the worst code
+void runTree(const std::string& file, bool json);
+void runSamples(const SamplesOptions& options);
+void runExtract(const ExtractOptions& options);
+
+} // namespace Ketra::Tool

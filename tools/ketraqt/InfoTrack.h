@@ -1,0 +1,21 @@
+// What `info` says about one track.
+#pragma once
+
+#include "Json.h"
+
+#include <qt/QTTrack.h>
+
+namespace Ketra::Tool {
+
+/// id, type, format, timescale, duration, samples, key_frames, bit_rate, width and height or sample_rate,
+/// channels and bits, edits; then what only some tracks have.
+Json trackJson(QT::QTTrack& track);
+
+/// [{title, start, duration}] (seconds) of a text track.
+Json chaptersJson(QT::QTTrack& track);
+
+/// {start, rate, frames_per_second, drop_frame, frame} of a timecode track; null when its sample can't be
+/// read.
+Json timecodeJson(QT::QTTimeCodeTrack& track);
+
+} // namespace Ketra::Tool

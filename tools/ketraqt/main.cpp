@@ -1,0 +1,74 @@
+// The command line.
+#include "Commands.h"
+#include "ToolError.h"
+
+#include <CLI/CLI.hpp>
+
+namespace {
+
+using namespace Ketra::Tool;
+
+struct CommandLine {
+    CLI::App app{"Looks into QuickTime, MPEG-4, 3GPP and 3GPP2 movie files.", "ketraqt"};
+    std::vector<std::string> infoFiles;
+    bool infoJson = false;
+    std::string treeFile;
+    bool treeJson = false;
+    SamplesOptions samples;
+    ExtractOptions extract;
+    CLI::App* info = nullptr;
+    CLI::App* tree = nullptr;
+    CLI::App* listing = nullptr;
+    CLI::App* extraction = nullptr;
+
+    CommandLine() {
+        app.set_version_flag("--version", std::string("ketraqt ") + KETRAQT_VERSION);
+        app.require_subcommand(1);
+        app.footer(
+            "Exit codes: 0 done, 2 wrong usage, 3 a file cannot be opened, read or written, 4 not a movie "
+            "or damaged.");
+
+        info = app.add_subcommand("info", "Brands, duration and tracks of each file");
+        info->add_option("FILE", infoFiles)->required();
+        info->add_flag("--json", infoJson, "One JSON object a file, each on a line of its own");
+
+        tree = app.add_subcommand("tree", "Every atom with its place, size and fields");
+        tree->add_option("FILE", treeFile)->required();
+        tree->add_flag("--json", treeJson, "One JSON object: the root with its children");
+
+        listing = app.add_subcommand("samples",
+                                     "The frames of a track: place, size and times, no edit list applied");
+        listing->add_option("FILE", samples.file)->required();
+        listing->add_option("--track", samples.track, "ID of the track")->required();
+        auto* time = listing->add_option("--from-time", samples.fromTime,
+                                         "Start at the key frame at or before this decode time (seconds)");
+        listing->add_option("--from-sample", samples.fromSample, "Start at this sample, counted from 1")
+            ->excludes(time);
+        listing->add_option("--count", samples.count, "List that many frames at most");
+        listing->add_flag("--json", samples.json, "One JSON object a line");
+
+        extraction = app.add_subcommand("extract", "The bytes of all frames of a track, one after the other");
+        extraction->add_option("FILE", extract.file)->required();
+        extraction->add_option("--track", extract.track, "ID of the track")->required();
+        extraction->add_option("-o,--output", extract.output, "Where to; - is standard output")->required();
+    }
+
+    int run() const {
+        if (info->parsed()) return runInfo(infoFiles, infoJson);
+        if (tree->parsed()) return guarded(treeFile, [this] { runTree(treeFile, treeJson); });
+        if (listing->parsed()) return guarded(samples.file, [this] { runSamples(samples); });
+        return guarded(extract.file, [this] { runExtract(extract); });
+    }
+};
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CommandLine line;
+    try {
+        line.app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return line.app.exit(error) == 0 ? kSuccess : kUsage;
+    }
+    return line.run();
+}
