@@ -1,24 +1,27 @@
 // Adding texts to the user data of a movie.
-#include <qt/QTAtoms.h>
 #include <qt/QTMovie.h>
-#include <qt/QTTrack/detail/UserData.h>
+
+#include <qt/QTAtoms.h>
 #include <qt/wire/Bytes.h>
 
 #include <algorithm>
 #include <cstring>
-#include <iconv.h>
 #include <string>
+
+#include <iconv.h>
 
 namespace Ketra::QT {
 
 namespace {
 
+constexpr unsigned int kEntryHeader = 8;
 constexpr unsigned short kEnglish = 0x15C7; // "eng", five bits a letter
 constexpr unsigned int kTextPrefix = 4;     // length and language of a QuickTime text
 
 /// UTF-8 as Macintosh text, up to the first character that has none. Systems know the character set by one of
 /// three names; where none is known, plain ASCII is what both sides share.
-std::string toMacintosh(const char* text, unsigned int length) {
+std::string toMacintosh(const char* text, unsigned int length)
+{
     std::string out(length, '\0');
     for (const char* name : {"MacRoman", "MACINTOSH", "MAC"}) {
         const iconv_t converter = iconv_open(name, "UTF-8");
@@ -33,21 +36,22 @@ std::string toMacintosh(const char* text, unsigned int length) {
         out.resize(out.size() - toLeft);
         return out;
     }
-    const char* end =
-        std::find_if(text, text + length, [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
+    const char* end = std::find_if(text, text + length, [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
     return std::string(text, end);
 }
 
 } // namespace
 
-UDTA* QTMovie::ensureUserData() {
+UDTA* QTMovie::ensureUserData()
+{
     if (udta_) return udta_;
     auto fresh = std::make_unique<UDTA>();
     if (addMoovChild(fresh.get()) != 0) return nullptr;
     return udta_ = fresh.release();
 }
 
-int QTMovie::addUserData(unsigned int type, unsigned int length, const char* text) {
+int QTMovie::addUserData(unsigned int type, unsigned int length, const char* text)
+{
     if (!text && length) return -1;
     if (flags_ == kPSP && type == fourCC("mana")) {
         mana_.assign(text, text + length);
@@ -69,15 +73,10 @@ int QTMovie::addUserData(unsigned int type, unsigned int length, const char* tex
         wire::store16(payload.data(), counted - 1);
         std::memcpy(payload.data() + kTextPrefix, converted.data(), std::min(converted.size(), counted - 1));
     }
-    return wire::append(*place, wire::dataAtom(type, payload.data(), payload.size()));
-}
-
-int QTMovie::setAllowTranscoding(bool allow) {
-    constexpr unsigned char kForbidden[4] = {0, 0, 0, 1};
-    if (udta_ && udta_->getAtomOfType(fourCC("nsav"))) return -1;
-    if (allow) return 0;
-    UDTA* place = ensureUserData();
-    return place ? wire::append(*place, wire::dataAtom(fourCC("nsav"), kForbidden, sizeof kForbidden)) : -1;
+    auto entry = std::make_unique<QTDataAtom>(kEntryHeader + payload.size(), type, payload.data());
+    if (place->addDataAtom(entry.get()) != 0) return -1;
+    static_cast<void>(entry.release());
+    return 0;
 }
 
 } // namespace Ketra::QT

@@ -249,8 +249,6 @@ protected:
     QTAtom* tref() const { return tref_; }
 
 private:
-    friend struct wire::Access;
-
     struct BitRateRecord {
         unsigned int length;
         double time;
