@@ -7,6 +7,9 @@
 #else
 #define KETRA_QT_API __declspec(dllimport)
 #endif
+#define KETRA_QT_LOCAL
 #else
 #define KETRA_QT_API __attribute__((visibility("default")))
+// For a private class inside a public one, which would leave the library with it.
+#define KETRA_QT_LOCAL __attribute__((visibility("hidden")))
 #endif

@@ -59,8 +59,8 @@ public:
     ESDS* getESDS() const { return esds_.get(); }                ///< as read, borrowed, or null
 
 private:
-    class DescriptionReader;
-    class DescriptionWriter;
+    class KETRA_QT_LOCAL DescriptionReader;
+    class KETRA_QT_LOCAL DescriptionWriter;
 
     void writeConstantSize(unsigned int bytesPerSample);
 

@@ -132,8 +132,8 @@ private:
     private:
         std::unique_ptr<QTFrame> frame_;
     };
-    class DescriptionReader;
-    class DescriptionWriter;
+    class KETRA_QT_LOCAL DescriptionReader;
+    class KETRA_QT_LOCAL DescriptionWriter;
 
     void settleDisplaySize();
     void writeMediaHeader();
