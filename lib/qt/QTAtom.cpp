@@ -134,7 +134,7 @@ QTFrame* QTAtom::serializeContainer() {
     for (QTAtom* child : children_) {
         if (QTFrame* frame = child->serialize()) frames.emplace_back(frame);
     }
-    return wire::joinFrames(type_, counted, frames);
+    return wire::joinFrames(*this, counted, frames);
 }
 
 QTAtom* QTAtom::getAtomOfType(unsigned int type) const {

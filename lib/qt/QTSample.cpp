@@ -2,6 +2,7 @@
 #include <qt/wire/Access.h>
 #include <qt/wire/Block.h>
 #include <qt/wire/Bytes.h>
+#include <qt/wire/Growth.h>
 
 #include <algorithm>
 #include <limits>
@@ -77,7 +78,7 @@ QTSample::~QTSample() = default;
 
 int QTSample::addRTPPacket(QTRTPPacket* packet) {
     if (!packet) return -1;
-    packets_.reserve(packets_.size() + 1);
+    wire::makeRoomForOne(packets_);
     if (packets_.empty()) playTime_ = packet->getPlayTime();
     packet->setSampleNumber(sampleNumber_);
     packet->setOffset(dataSize_);

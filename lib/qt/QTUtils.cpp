@@ -19,6 +19,8 @@ constexpr unsigned int kLargeHeader = 16;
 constexpr std::uint64_t kBeyondEnd = 8; // what the size of an atom that runs to the end counts too much
 constexpr std::uint64_t kSlack = 16;    // zero bytes behind every payload, so that any number read there ends
 constexpr std::int64_t kStep = 2147483647;
+// In a stream every atom costs eight bytes of the file, in an inflated block next to nothing.
+constexpr unsigned int kMostBlockHeaders = 1U << 18;
 constexpr std::int64_t kMaxSteps = std::int64_t{1} << 20;
 
 std::uint64_t payloadLength(const QTAtom& atom) {
@@ -70,6 +72,7 @@ QTAtom* QTUtils::getNextAtom(std::uint64_t position) {
         alternateRemaining_ = alternateSize_ - position;
     }
     headerInBlock_ = alternateRemaining_ != 0;
+    if (headerInBlock_ && ++blockHeaders_ > kMostBlockHeaders) return nullptr;
 
     unsigned char bytes[kPlainHeader];
     if (readFully(bytes, sizeof bytes) < sizeof bytes) return nullptr;
@@ -207,6 +210,7 @@ int QTUtils::setAlternateData(std::uint64_t size, unsigned char* data) {
     alternateData_ = copy.release();
     alternateSize_ = size;
     alternateRemaining_ = size;
+    blockHeaders_ = 0;
     return 0;
 }
 

@@ -78,7 +78,8 @@ private:
     std::uint64_t alternateSize_ = 0;
     std::uint64_t alternateRemaining_ = 0;
     std::uint64_t bytesRead_ = 0;
-    bool headerInBlock_ = false; // the last header came out of the alternate block
+    unsigned int blockHeaders_ = 0; // served out of the alternate block
+    bool headerInBlock_ = false;    // the last header came out of the alternate block
 };
 
 } // namespace Ketra::QT

@@ -4,6 +4,7 @@
 #include <qt/QTAtoms/systems/ESDescriptor.h>
 #include <qt/QTAtoms/systems/SLConfigDescriptor.h>
 #include <qt/QTTrack/detail/MediaWriting.h>
+#include <qt/wire/Growth.h>
 
 #include <algorithm>
 
@@ -26,7 +27,7 @@ void ExtensionList::begin(STSDData& entry) {
 
 void ExtensionList::add(std::unique_ptr<QTFrame> atom) {
     if (!entry_ || !atom) return;
-    mine_.reserve(mine_.size() + 1);
+    wire::makeRoomForOne(mine_);
     if (entry_->addExtension(atom.get()) == 0) mine_.push_back(atom.release());
 }
 

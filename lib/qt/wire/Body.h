@@ -2,6 +2,7 @@
 #pragma once
 
 #include <qt/wire/Access.h>
+#include <qt/wire/Padding.h>
 #include <qt/wire/Writer.h>
 
 #include <algorithm>
@@ -21,8 +22,10 @@ std::uint64_t bodyBytes(const Atom& atom) {
 template <class Atom>
 QTFrame* writeBody(const Atom& atom) {
     const auto stored = static_cast<unsigned int>(atom.getSize());
-    const std::uint64_t length = std::max<std::uint64_t>(stored, bodyBytes(atom));
-    if (length > std::numeric_limits<unsigned int>::max()) return nullptr;
+    const std::uint64_t used = bodyBytes(atom);
+    const std::uint64_t length = std::max<std::uint64_t>(stored, used);
+    if (length > std::numeric_limits<unsigned int>::max() || !crediblePadding(atom, length, used))
+        return nullptr;
     MallocPtr block = allocate(length);
     if (!block) return nullptr;
     Writer out(block.get());

@@ -1,6 +1,7 @@
 #include <qt/wire/Block.h>
 #include <qt/wire/Bytes.h>
 #include <qt/wire/Frames.h>
+#include <qt/wire/Padding.h>
 
 #include <algorithm>
 #include <cstring>
@@ -12,19 +13,20 @@ namespace {
 
 constexpr std::uint64_t kHeader = 8;
 
-QTFrame* join(std::uint64_t headerSize, unsigned int type, std::uint64_t atLeast, const FrameList& pieces) {
+QTFrame* join(const QTAtom& atom, std::uint64_t headerSize, std::uint64_t atLeast, const FrameList& pieces) {
     std::uint64_t used = headerSize;
     for (const auto& piece : pieces) {
         used += piece->getDataLength();
     }
     const std::uint64_t length = std::max(atLeast, used);
-    if (length > std::numeric_limits<unsigned int>::max()) return nullptr;
+    if (length > std::numeric_limits<unsigned int>::max() || !crediblePadding(atom, length, used))
+        return nullptr;
     MallocPtr block = allocate(length);
     if (!block) return nullptr;
     unsigned char* at = block.get();
     if (headerSize) {
         store32(at, length);
-        store32(at + 4, type);
+        store32(at + 4, atom.getType());
         at += headerSize;
     }
     for (const auto& piece : pieces) {
@@ -40,10 +42,12 @@ QTFrame* join(std::uint64_t headerSize, unsigned int type, std::uint64_t atLeast
 
 } // namespace
 
-QTFrame* joinFrames(std::uint64_t atLeast, const FrameList& pieces) { return join(0, 0, atLeast, pieces); }
+QTFrame* joinHeaderless(const QTAtom& atom, std::uint64_t atLeast, const FrameList& pieces) {
+    return join(atom, 0, atLeast, pieces);
+}
 
-QTFrame* joinFrames(unsigned int type, std::uint64_t atLeast, const FrameList& pieces) {
-    return join(kHeader, type, atLeast, pieces);
+QTFrame* joinFrames(const QTAtom& atom, std::uint64_t atLeast, const FrameList& pieces) {
+    return join(atom, kHeader, atLeast, pieces);
 }
 
 } // namespace Ketra::QT::wire

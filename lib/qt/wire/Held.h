@@ -1,6 +1,8 @@
 // Objects that an atom holds beside its children: sample descriptions, descriptors, a codec entry's child.
 #pragma once
 
+#include <qt/wire/Growth.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <memory>
@@ -41,7 +43,7 @@ public:
     /// Adopts; the count grows. False, nothing taken, for null.
     bool append(T* item) {
         if (!item) return false;
-        items_.reserve(items_.size() + 1);
+        makeRoomForOne(items_);
         owned_.emplace_back(item);
         items_.push_back(item);
         ++declared;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <qt/wire/Access.h>
+#include <qt/wire/Padding.h>
 #include <qt/wire/Reader.h>
 #include <qt/wire/Writer.h>
 
@@ -36,8 +37,10 @@ std::uint64_t leafBytes(const Atom& atom) {
 template <class Atom>
 QTFrame* writeLeaf(const Atom& atom, unsigned int type) {
     const auto stored = static_cast<unsigned int>(atom.QTAtom::getSize());
-    const std::uint64_t length = std::max<std::uint64_t>(stored, leafBytes(atom));
-    if (length > std::numeric_limits<unsigned int>::max()) return nullptr;
+    const std::uint64_t used = leafBytes(atom);
+    const std::uint64_t length = std::max<std::uint64_t>(stored, used);
+    if (length > std::numeric_limits<unsigned int>::max() || !crediblePadding(atom, length, used))
+        return nullptr;
     MallocPtr block = allocate(length);
     if (!block) return nullptr;
     store32(block.get(), length);

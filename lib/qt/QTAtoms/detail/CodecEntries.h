@@ -26,7 +26,8 @@ QTFrame* writeFields(const Entry& entry, QTAtom* child, bool header) {
     const std::uint64_t childBytes = inside ? inside->getDataLength() : 0;
     const std::uint64_t used = (header ? kAtomHeader : 0) + bodyBytes(entry) + childBytes;
     const std::uint64_t length = std::max(entry.getSize(), used);
-    if (length > std::numeric_limits<unsigned int>::max()) return nullptr;
+    if (length > std::numeric_limits<unsigned int>::max() || !crediblePadding(entry, length, used))
+        return nullptr;
     MallocPtr block = allocate(length);
     if (!block) return nullptr;
     Writer out(block.get());

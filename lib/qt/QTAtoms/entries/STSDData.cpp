@@ -1,4 +1,5 @@
 #include <qt/QTAtoms/entries/STSDData.h>
+#include <qt/wire/Growth.h>
 
 #include <cstdlib>
 
@@ -42,7 +43,7 @@ int STSDData::setExtraData(QTAtom* description) {
 
 int STSDData::addExtension(QTFrame* atom) {
     if (!atom || !atom->getData() || !atom->getDataLength()) return -1;
-    extensions_.reserve(extensions_.size() + 1);
+    wire::makeRoomForOne(extensions_);
     extensions_.emplace_back(atom);
     size_ += atom->getDataLength();
     return 0;

@@ -16,7 +16,10 @@ constexpr std::uint64_t kTypeAt = 8;
 constexpr std::uint64_t kSizeAt = 12;
 constexpr std::uint64_t kLengthAt = 20;
 constexpr std::uint64_t kDataAt = 24;
-constexpr std::uint64_t kMostExpansion = 1032; // what zlib can make of one byte at most
+// zlib can make a thousand bytes of one. A movie header does not come near that, and a small file must not
+// claim gigabytes: what does not fit into this is taken for damage.
+constexpr std::uint64_t kMostExpansion = 8;
+constexpr std::uint64_t kAlwaysAllowed = std::uint64_t{8} << 20;
 
 std::unique_ptr<QTFrame> copyOf(const std::unique_ptr<QTFrame>& frame) {
     return frame ? std::make_unique<QTFrame>(*frame) : nullptr;
@@ -57,7 +60,8 @@ int CMOV::parse() {
     const std::uint64_t stated = word(kSizeAt) > kSizeAt ? word(kSizeAt) - kSizeAt : 0;
     const std::uint64_t here = payload.delivered > kDataAt ? payload.delivered - kDataAt : 0;
     const std::uint64_t compressed = std::min(stated, here);
-    const std::uint64_t room = std::min<std::uint64_t>(word(kLengthAt), kMostExpansion * compressed + 1024);
+    const std::uint64_t room =
+        std::min<std::uint64_t>(word(kLengthAt), std::max(kAlwaysAllowed, kMostExpansion * compressed));
     wire::MallocPtr block = wire::allocateRaw(room);
     if (!block || compressed > std::numeric_limits<uLong>::max()) failed();
     uLongf length = static_cast<uLongf>(room);

@@ -120,7 +120,7 @@ QTFrame* ROOT::serialize() {
           static_cast<QTAtom*>(&free), static_cast<QTAtom*>(&wide)}) {
         if (QTFrame* frame = part ? part->serialize() : nullptr) frames.emplace_back(frame);
     }
-    return wire::joinFrames(counted + free.getSize() + wide.getSize(), frames);
+    return wire::joinHeaderless(*this, counted + free.getSize() + wide.getSize(), frames);
 }
 
 } // namespace Ketra::QT

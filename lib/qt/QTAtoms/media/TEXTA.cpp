@@ -14,7 +14,7 @@ void TEXTA::layout(Self&, Io& io) {
     if constexpr (Io::kReads) {
         io.skip(wire::odd::TextMatrix::width);
     } else {
-        io.template as<wire::odd::TextMatrix>(0);
+        io.template as<wire::odd::TextMatrix>(0u);
     }
 }
 

@@ -102,7 +102,7 @@ QTFrame* UDTA::serialize() {
     for (QTAtom* child : children_) {
         if (QTFrame* frame = child->serialize()) frames.emplace_back(frame);
     }
-    return wire::joinFrames(type_, counted, frames);
+    return wire::joinFrames(*this, counted, frames);
 }
 
 int UDTA::addDataAtom(QTDataAtom* entry) {

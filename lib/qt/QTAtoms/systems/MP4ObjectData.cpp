@@ -1,6 +1,7 @@
 #include <qt/QTAtom.h>
 #include <qt/QTAtoms/detail/Descriptors.h>
 #include <qt/QTAtoms/systems/MP4ObjectData.h>
+#include <qt/wire/Growth.h>
 
 namespace Ketra::QT {
 
@@ -57,7 +58,7 @@ unsigned int MP4ObjectData::updateSize() { return size_; }
 
 int MP4ObjectData::addDescriptor(MP4ObjectData* descriptor) {
     if (!descriptor || descriptor == this) return -1;
-    descriptors_.reserve(descriptors_.size() + 1);
+    wire::makeRoomForOne(descriptors_);
     descriptors_.emplace_back(descriptor);
     return 0;
 }

@@ -58,7 +58,7 @@ QTFrame* __IN::serialize() {
     for (QTAtom* child : children_) {
         if (QTFrame* frame = child->serialize()) pieces.emplace_back(frame);
     }
-    return wire::joinFrames(type_, counted, pieces);
+    return wire::joinFrames(*this, counted, pieces);
 }
 
 int __IN::addChild(QTAtom* child) {

@@ -48,7 +48,7 @@ QTFrame* HINF::serialize() {
     if (const QTFrame* description = getHintDescription()) {
         pieces.push_back(std::make_unique<QTFrame>(*description));
     }
-    return wire::joinFrames(type_, static_cast<unsigned int>(size_), pieces);
+    return wire::joinFrames(*this, static_cast<unsigned int>(size_), pieces);
 }
 
 int HINF::addDataAtom(QTDataAtom* atom) {

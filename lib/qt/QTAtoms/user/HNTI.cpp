@@ -35,7 +35,7 @@ int HNTI::parse() {
 QTFrame* HNTI::serialize() {
     wire::FrameList pieces;
     wire::writeDataAtoms(pieces, *atoms_);
-    return wire::joinFrames(type_, static_cast<unsigned int>(size_), pieces);
+    return wire::joinFrames(*this, static_cast<unsigned int>(size_), pieces);
 }
 
 int HNTI::addDataAtom(QTDataAtom* atom) {

@@ -48,8 +48,11 @@ public:
 private:
     template <class Codec>
     AtomBuilder& put(unsigned int v) {
-        bytes_.resize(bytes_.size() + Codec::width);
-        Codec::write(bytes_.data() + bytes_.size() - Codec::width, v);
+        unsigned char field[Codec::width];
+        Codec::write(field, v);
+        for (const unsigned char byte : field) {
+            bytes_.push_back(byte);
+        }
         return *this;
     }
 
