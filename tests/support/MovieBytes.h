@@ -35,10 +35,10 @@ struct TrackSpec {
     std::string handler = "vide";
     std::string format = "jpeg";
     std::uint32_t scale = 1000;
-    std::uint32_t duration = 0;                ///< 0: the sum of stts
-    Runs stts{};                               ///< count, duration
-    Runs ctts{};                               ///< count, offset
-    std::vector<std::uint32_t> sync{};         ///< empty and hasSync false: no table
+    std::uint32_t duration = 0;        ///< 0: the sum of stts
+    Runs stts{};                       ///< count, duration
+    Runs ctts{};                       ///< count, offset
+    std::vector<std::uint32_t> sync{}; ///< empty and hasSync false: no table
     bool hasSync = false;
     std::vector<std::uint32_t> partialSync{};
     std::vector<std::uint32_t> sizes{};        ///< a table; or
@@ -48,15 +48,16 @@ struct TrackSpec {
     std::vector<std::uint32_t> chunks{};       ///< samples in each chunk
     std::vector<std::uint32_t> descriptions{}; ///< description of each chunk (default 1)
     std::vector<Edit> edits{};
-    std::vector<Bytes> entries{};              ///< whole sample entries; empty: a plain one of the format
-    bool wide = false;                         ///< 64-bit chunk offsets
+    std::vector<Bytes> entries{}; ///< whole sample entries; empty: a plain one of the format
+    bool wide = false;            ///< 64-bit chunk offsets
 
     std::uint32_t sampleCount() const;
     std::uint32_t sizeOf(std::uint32_t i) const; ///< stored sample i, bytes
 };
 
 /// A video sample entry of 86 bytes, and a sound entry of version 0.
-Bytes videoEntry(const std::string& format, std::uint16_t width, std::uint16_t height, const Bytes& extensions = {});
+Bytes videoEntry(const std::string& format, std::uint16_t width, std::uint16_t height,
+                 const Bytes& extensions = {});
 Bytes soundEntry(const std::string& format, std::uint16_t channels, std::uint16_t bits, std::uint32_t rate,
                  const Bytes& extensions = {});
 Bytes soundEntryV1(const std::string& format, std::uint16_t channels, std::uint16_t bits, std::uint32_t rate,

@@ -1,14 +1,12 @@
 // Adding texts to the user data of a movie.
-#include <qt/QTMovie.h>
-
 #include <qt/QTAtoms.h>
+#include <qt/QTMovie.h>
 #include <qt/wire/Bytes.h>
 
 #include <algorithm>
 #include <cstring>
-#include <string>
-
 #include <iconv.h>
+#include <string>
 
 namespace Ketra::QT {
 
@@ -20,8 +18,7 @@ constexpr unsigned int kTextPrefix = 4;     // length and language of a QuickTim
 
 /// UTF-8 as Macintosh text, up to the first character that has none. Systems know the character set by one of
 /// three names; where none is known, plain ASCII is what both sides share.
-std::string toMacintosh(const char* text, unsigned int length)
-{
+std::string toMacintosh(const char* text, unsigned int length) {
     std::string out(length, '\0');
     for (const char* name : {"MacRoman", "MACINTOSH", "MAC"}) {
         const iconv_t converter = iconv_open(name, "UTF-8");
@@ -36,22 +33,21 @@ std::string toMacintosh(const char* text, unsigned int length)
         out.resize(out.size() - toLeft);
         return out;
     }
-    const char* end = std::find_if(text, text + length, [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
+    const char* end =
+        std::find_if(text, text + length, [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
     return std::string(text, end);
 }
 
 } // namespace
 
-UDTA* QTMovie::ensureUserData()
-{
+UDTA* QTMovie::ensureUserData() {
     if (udta_) return udta_;
     auto fresh = std::make_unique<UDTA>();
     if (addMoovChild(fresh.get()) != 0) return nullptr;
     return udta_ = fresh.release();
 }
 
-int QTMovie::addUserData(unsigned int type, unsigned int length, const char* text)
-{
+int QTMovie::addUserData(unsigned int type, unsigned int length, const char* text) {
     if (!text && length) return -1;
     if (flags_ == kPSP && type == fourCC("mana")) {
         mana_.assign(text, text + length);

@@ -4,7 +4,6 @@
 #include <qt/QTTrack.h>
 
 #include <gtest/gtest.h>
-
 #include <memory>
 
 namespace test {
@@ -14,13 +13,12 @@ using namespace Ketra::QT;
 using FramePtr = std::unique_ptr<QTFrame>;
 
 FramePtr next(QTChunk* chunk) { return FramePtr(chunk->getNextFrame()); }
-Bytes bytesOf(const FramePtr& frame)
-{
-    return frame && frame->getData() ? Bytes(frame->getData(), frame->getData() + frame->getDataLength()) : Bytes();
+Bytes bytesOf(const FramePtr& frame) {
+    return frame && frame->getData() ? Bytes(frame->getData(), frame->getData() + frame->getDataLength())
+                                     : Bytes();
 }
 
-TrackSpec sound(const std::string& format)
-{
+TrackSpec sound(const std::string& format) {
     TrackSpec t;
     t.handler = "soun";
     t.format = format;
@@ -28,8 +26,7 @@ TrackSpec sound(const std::string& format)
     return t;
 }
 
-TEST(AudioReading, HandsOutPcmChunkByChunk)
-{
+TEST(AudioReading, HandsOutPcmChunkByChunk) {
     TrackSpec spec = sound("sowt");
     spec.entries = {soundEntry("sowt", 2, 16, 8000)};
     spec.stts = {{1000, 1}};
@@ -67,8 +64,7 @@ TEST(AudioReading, HandsOutPcmChunkByChunk)
     EXPECT_EQ(chunk->getChunkNumber(), 3U);
 }
 
-TEST(AudioReading, StopsAtTheSampleCount)
-{
+TEST(AudioReading, StopsAtTheSampleCount) {
     TrackSpec spec = sound("twos");
     spec.entries = {soundEntry("twos", 1, 16, 8000)};
     spec.stts = {{90, 1}};
@@ -86,8 +82,7 @@ TEST(AudioReading, StopsAtTheSampleCount)
     EXPECT_FALSE(next(chunk));
 }
 
-TEST(AudioReading, GroupsImaPackets)
-{
+TEST(AudioReading, GroupsImaPackets) {
     TrackSpec spec = sound("ima4");
     spec.entries = {soundEntry("ima4", 2, 16, 8000)};
     spec.stts = {{64 * 10, 1}};
@@ -134,9 +129,9 @@ TEST(AudioReading, GroupsImaPackets)
     EXPECT_EQ(sample, 240U / 64 + 1); // tick 240 lies in the fourth packet
 }
 
-TEST(AudioReading, ReadsOneStoredSampleAFrameInCompressedFormats)
-{
-    for (const char* format : {"mp4a", "alac", "sqcp", "sevc", "samr", "sawb", "vdva", "Opus", "ac-3", "fLaC"}) {
+TEST(AudioReading, ReadsOneStoredSampleAFrameInCompressedFormats) {
+    for (const char* format :
+         {"mp4a", "alac", "sqcp", "sevc", "samr", "sawb", "vdva", "Opus", "ac-3", "fLaC"}) {
         TrackSpec spec = sound(format);
         spec.stts = {{5, 1024}};
         spec.sizes = {7, 9, 11, 13, 15};
@@ -157,8 +152,7 @@ TEST(AudioReading, ReadsOneStoredSampleAFrameInCompressedFormats)
     }
 }
 
-TEST(AudioReading, UsesThePacketsOfVersion1)
-{
+TEST(AudioReading, UsesThePacketsOfVersion1) {
     TrackSpec spec = sound("MAC6");
     spec.entries = {soundEntryV1("MAC6", 1, 8, 8000, 6, 2, 2)}; // 6 samples in 2 bytes
     spec.stts = {{60, 1}};
@@ -183,8 +177,7 @@ TEST(AudioReading, UsesThePacketsOfVersion1)
     EXPECT_EQ(frame->getDuration(), 60 / 8000.0);
 }
 
-TEST(AudioReading, SurvivesDescriptionsWithoutNumbers)
-{
+TEST(AudioReading, SurvivesDescriptionsWithoutNumbers) {
     TrackSpec spec = sound("sowt");
     spec.entries = {soundEntry("sowt", 0, 0, 8000)}; // no channels: a sample has no size
     spec.stts = {{10, 1}};

@@ -4,8 +4,7 @@
 
 namespace test {
 
-PlainSample plainWalk(const TrackSpec& track, std::uint32_t n, std::uint64_t mediaStart)
-{
+PlainSample plainWalk(const TrackSpec& track, std::uint32_t n, std::uint64_t mediaStart) {
     PlainSample s;
     // time: one step a sample, entries that are used up are passed
     std::size_t entry = 0;

@@ -4,7 +4,6 @@
 #include <qt/QTTrack.h>
 
 #include <gtest/gtest.h>
-
 #include <memory>
 
 namespace test {
@@ -14,14 +13,13 @@ using namespace Ketra::QT;
 using FramePtr = std::unique_ptr<QTFrame>;
 
 FramePtr next(QTChunk* chunk) { return FramePtr(chunk->getNextFrame()); }
-Bytes bytesOf(const FramePtr& frame)
-{
-    return frame && frame->getData() ? Bytes(frame->getData(), frame->getData() + frame->getDataLength()) : Bytes();
+Bytes bytesOf(const FramePtr& frame) {
+    return frame && frame->getData() ? Bytes(frame->getData(), frame->getData() + frame->getDataLength())
+                                     : Bytes();
 }
 
 /// Sizes 10, 20, 30 in one chunk and 40 in another, 1/10 s each.
-TrackSpec fourSamples()
-{
+TrackSpec fourSamples() {
     TrackSpec t;
     t.scale = 100;
     t.stts = {{4, 10}};
@@ -30,8 +28,7 @@ TrackSpec fourSamples()
     return t;
 }
 
-TEST(Reading, WalksChunkByChunk)
-{
+TEST(Reading, WalksChunkByChunk) {
     const TrackSpec spec = fourSamples();
     const MovieFile movie(spec);
     ASSERT_TRUE(movie);
@@ -65,8 +62,7 @@ TEST(Reading, WalksChunkByChunk)
     EXPECT_EQ(bytesOf(next(chunk)), sampleBytes(spec, 2));
 }
 
-TEST(Reading, PeeksWithoutMoving)
-{
+TEST(Reading, PeeksWithoutMoving) {
     TrackSpec spec = fourSamples();
     spec.ctts = {{2, 5}, {2, 7}};
     const MovieFile movie(spec);
@@ -85,8 +81,7 @@ TEST(Reading, PeeksWithoutMoving)
     EXPECT_EQ(next(chunk)->getTime(), 0.2 + 7 / 100.0);
 }
 
-TEST(Reading, AddsCompositionOffsets)
-{
+TEST(Reading, AddsCompositionOffsets) {
     TrackSpec spec = fourSamples();
     spec.scale = 1000;
     spec.stts = {{4, 40}};
@@ -103,8 +98,7 @@ TEST(Reading, AddsCompositionOffsets)
     }
 }
 
-TEST(Reading, TakesNegativeOffsets)
-{
+TEST(Reading, TakesNegativeOffsets) {
     TrackSpec spec = fourSamples();
     spec.scale = 1000;
     spec.stts = {{4, 40}};
@@ -115,8 +109,7 @@ TEST(Reading, TakesNegativeOffsets)
     EXPECT_EQ(next(chunk)->getTime(), 0.04 - 0.001);
 }
 
-TEST(Reading, KnowsEverySampleAsKeyWithoutASyncTable)
-{
+TEST(Reading, KnowsEverySampleAsKeyWithoutASyncTable) {
     const MovieFile movie(fourSamples());
     QTChunk* chunk = movie.track()->getChunk();
     ASSERT_EQ(chunk->initWithSample(1), 0);
@@ -130,8 +123,7 @@ TEST(Reading, KnowsEverySampleAsKeyWithoutASyncTable)
 }
 
 /// Ten samples of 1/10 s, key frames 2, 5 and 9.
-TrackSpec keyed()
-{
+TrackSpec keyed() {
     TrackSpec t;
     t.scale = 10;
     t.stts = {{10, 1}};
@@ -142,8 +134,7 @@ TrackSpec keyed()
     return t;
 }
 
-TEST(Reading, FindsKeyFrames)
-{
+TEST(Reading, FindsKeyFrames) {
     const MovieFile movie(keyed());
     QTChunk* chunk = movie.track()->getChunk();
     struct Row {
@@ -160,8 +151,7 @@ TEST(Reading, FindsKeyFrames)
     }
 }
 
-TEST(Reading, MarksKeyFramesOnTheWay)
-{
+TEST(Reading, MarksKeyFramesOnTheWay) {
     const MovieFile movie(keyed());
     QTChunk* chunk = movie.track()->getChunk();
     ASSERT_EQ(chunk->initWithSample(2), 0);
@@ -174,8 +164,7 @@ TEST(Reading, MarksKeyFramesOnTheWay)
     EXPECT_FALSE(next(chunk));
 }
 
-TEST(Reading, UsesPartialSyncSamplesAlone)
-{
+TEST(Reading, UsesPartialSyncSamplesAlone) {
     TrackSpec spec = keyed();
     spec.sync.clear();
     spec.partialSync = {1, 4, 8};
@@ -194,8 +183,7 @@ TEST(Reading, UsesPartialSyncSamplesAlone)
     EXPECT_EQ(chunk->getCurrentSampleNumber(), 4U);
 }
 
-TEST(Reading, PrefersPartialSyncFarFromTheOnlyKeyFrame)
-{
+TEST(Reading, PrefersPartialSyncFarFromTheOnlyKeyFrame) {
     TrackSpec spec;
     spec.scale = 10;
     spec.stts = {{150, 1}};
@@ -212,8 +200,7 @@ TEST(Reading, PrefersPartialSyncFarFromTheOnlyKeyFrame)
     EXPECT_EQ(chunk->getPreviousKeyframe(), 50U); // 120 is the first behind it, two places before that is 50
 }
 
-TEST(Reading, SeeksToTheKeyFrameAtOrBeforeATime)
-{
+TEST(Reading, SeeksToTheKeyFrameAtOrBeforeATime) {
     const MovieFile movie(keyed());
     QTTrack* track = movie.track();
     QTChunk* chunk = track->getChunk();
@@ -226,8 +213,7 @@ TEST(Reading, SeeksToTheKeyFrameAtOrBeforeATime)
     EXPECT_EQ(next(chunk)->getDecodeTime(), 0.4);
 }
 
-TEST(Reading, TakesTheFirstHundredthAsTheBeginning)
-{
+TEST(Reading, TakesTheFirstHundredthAsTheBeginning) {
     const MovieFile movie(keyed());
     QTChunk* chunk = movie.track()->getChunk();
     for (const float t : {0.005F, 0.01F, -3.0F, 0.0F}) {
@@ -237,8 +223,7 @@ TEST(Reading, TakesTheFirstHundredthAsTheBeginning)
     }
 }
 
-TEST(Reading, RefusesTimesBeyondTheDuration)
-{
+TEST(Reading, RefusesTimesBeyondTheDuration) {
     TrackSpec spec;
     spec.scale = 100;
     spec.stts = {{3, 100}, {2, 50}};
@@ -267,8 +252,7 @@ TEST(Reading, RefusesTimesBeyondTheDuration)
     EXPECT_EQ(chunk->rangeCheck(4.001), -1);
 }
 
-TEST(Reading, KeepsTimesExact)
-{
+TEST(Reading, KeepsTimesExact) {
     TrackSpec spec;
     spec.scale = 600;
     spec.stts = {{301, 20}};
@@ -287,8 +271,7 @@ TEST(Reading, KeepsTimesExact)
     }
 }
 
-TEST(Reading, TruncatesTheTimeInDouble)
-{
+TEST(Reading, TruncatesTheTimeInDouble) {
     TrackSpec spec;
     spec.scale = 90000;
     spec.stts = {{9100000, 1}};
@@ -302,8 +285,7 @@ TEST(Reading, TruncatesTheTimeInDouble)
     EXPECT_EQ(sample, 9009000U); // tick 9008999, one sample a tick
 }
 
-TEST(Reading, ThrowsForSamplesThatAreNotThere)
-{
+TEST(Reading, ThrowsForSamplesThatAreNotThere) {
     const MovieFile movie(fourSamples());
     QTChunk* chunk = movie.track()->getChunk();
     for (const unsigned int n : {0U, 5U, 0xFFFFFFFFU}) {
@@ -312,7 +294,7 @@ TEST(Reading, ThrowsForSamplesThatAreNotThere)
             FAIL() << n;
         } catch (const Ketra::CException& e) {
             EXPECT_TRUE(e.getMessage() == Ketra::CString::createWithFormat("Couldn't init with sample nr. %d",
-                                                                          static_cast<int>(n)));
+                                                                           static_cast<int>(n)));
             EXPECT_TRUE(e.getFunction() == "Ketra::QT::QTChunk::initWithSample");
             EXPECT_TRUE(e.getFile() == "lib/qt/QTChunk");
         }
@@ -322,8 +304,7 @@ TEST(Reading, ThrowsForSamplesThatAreNotThere)
     EXPECT_TRUE(next(chunk));
 }
 
-TEST(Reading, KeepsToTheEditList)
-{
+TEST(Reading, KeepsToTheEditList) {
     TrackSpec spec = keyed();
     spec.sync.clear();
     spec.edits = {{300, 0}, {900, 3}}; // 2 s of movie time in all: longer than the media
@@ -333,8 +314,7 @@ TEST(Reading, KeepsToTheEditList)
     EXPECT_EQ(chunk->rangeCheck(2.001), -1);
 }
 
-TEST(Reading, SeeksInsideTheFirstEdit)
-{
+TEST(Reading, SeeksInsideTheFirstEdit) {
     TrackSpec spec = keyed();
     spec.edits = {{360, 4}}; // 0.6 s from media time 0.4 s
     const MovieFile movie(spec, 600);
@@ -350,8 +330,7 @@ TEST(Reading, SeeksInsideTheFirstEdit)
     EXPECT_EQ(track->initWithTime(0.7F), -1);
 }
 
-TEST(Reading, MeasuresAnEmptyFirstEdit)
-{
+TEST(Reading, MeasuresAnEmptyFirstEdit) {
     TrackSpec spec = keyed();
     spec.sync.clear();
     spec.edits = {{60, 0xFFFFFFFF}, {660, 0}}; // (660 - 60) / 600 = 1 s behind an empty edit
@@ -365,8 +344,7 @@ TEST(Reading, MeasuresAnEmptyFirstEdit)
     }
 }
 
-TEST(Reading, StopsWhereTheDurationEnds)
-{
+TEST(Reading, StopsWhereTheDurationEnds) {
     TrackSpec spec = keyed();
     spec.sync.clear();
     spec.edits = {{300, 0}}; // half a second: samples 1 to 6 start within it
@@ -383,8 +361,7 @@ TEST(Reading, StopsWhereTheDurationEnds)
     EXPECT_EQ(chunk->initWithSample(1), 0);
 }
 
-TEST(Reading, GivesWhatATruncatedFileHolds)
-{
+TEST(Reading, GivesWhatATruncatedFileHolds) {
     const TrackSpec spec = fourSamples();
     // The header in front, the last sample cut after 15 of its 40 bytes.
     const Bytes brand = atom("ftyp", text("qt  ") + u32(0) + text("qt  "));
@@ -401,8 +378,7 @@ TEST(Reading, GivesWhatATruncatedFileHolds)
     EXPECT_EQ(bytesOf(frame), Bytes(whole.begin(), whole.begin() + 15));
 }
 
-TEST(Reading, RefusesSamplesLargerThanTheStream)
-{
+TEST(Reading, RefusesSamplesLargerThanTheStream) {
     TrackSpec spec = fourSamples();
     spec.sizes = {10, 20, 30, 40};
     Bytes file = movieBytes({spec});
@@ -422,8 +398,7 @@ TEST(Reading, RefusesSamplesLargerThanTheStream)
     }
 }
 
-TEST(Reading, FollowsDescriptionsOfOneFormatOnly)
-{
+TEST(Reading, FollowsDescriptionsOfOneFormatOnly) {
     TrackSpec spec = fourSamples();
     spec.chunks = {1, 1, 1, 1};
     spec.entries = {videoEntry("jpeg", 32, 24), videoEntry("jpeg", 64, 48)};
@@ -442,8 +417,7 @@ TEST(Reading, FollowsDescriptionsOfOneFormatOnly)
     EXPECT_THROW(chunk->initWithSample(4), Ketra::CException);
 }
 
-TEST(Reading, NeedsSizesAndOffsets)
-{
+TEST(Reading, NeedsSizesAndOffsets) {
     EXPECT_THROW(QTChunk(nullptr), Ketra::CException);
     const MovieFile movie(fourSamples());
     QTChunk chunk(movie.track());
@@ -454,8 +428,7 @@ TEST(Reading, NeedsSizesAndOffsets)
     EXPECT_EQ(chunk.getCurrentTime(), -1.0);
 }
 
-TEST(Reading, ReadsWideOffsets)
-{
+TEST(Reading, ReadsWideOffsets) {
     TrackSpec spec = fourSamples();
     spec.wide = true;
     const MovieFile movie(spec);
