@@ -57,13 +57,7 @@ void editMovie(QTMovie& movie) {
     static const char kText[] = "words";
     attempt([&] { movie.getNewTrackID(); });
     attempt([&] { movie.addUserData(fourCC("name"), sizeof kText, kText); });
-    // LATER     attempt([&] { movie.setFtypMajorBrand(fourCC("qt  ")); });
-    // LATER     attempt([&] { movie.addCompatibleBrand(fourCC("mp42")); });
-    // LATER     attempt([&] { movie.setAllowTranscoding(false); });
-    // LATER     attempt([&] { movie.addToAtomStcoOffsets(1000); });
     eachTrack(movie, editTrack);
-    // LATER     attempt([&] { movie.endMovie(); });
-    // LATER     attempt([&] { movie.prepareForWriting(); });
 }
 
 std::vector<unsigned char> write(QTMovie& movie) {
