@@ -6,6 +6,7 @@
 #include <base/CException.h>
 
 using namespace measure;
+using Ketra::QT::QTChunk;
 using Ketra::QT::QTTrack;
 
 namespace {
@@ -24,7 +25,9 @@ void doOpen(const char* file) {
 class Ticks {
 public:
     explicit Ticks(QTTrack& track) : scale_(track.getAtomMediaTimeScale()) {}
-    std::int64_t operator()(double seconds) const { return std::llround(seconds * scale_); }
+    std::int64_t operator()(double seconds) const { // rounded by hand: no time stands before the start here
+        return static_cast<std::int64_t>(seconds * scale_ + 0.5);
+    }
 
 private:
     double scale_;
@@ -46,7 +49,8 @@ void doRead(const char* file) {
     Sum sum;
     const double start = now();
     if (track.initWithSample(1) == 0) {
-        while (const Frame frame{track.getChunk()->getNextFrame()}) {
+        QTChunk& chunk = *track.getChunk();
+        while (const Frame frame{chunk.getNextFrame()}) {
             add(sum, frame, ticks);
         }
     }

@@ -76,11 +76,13 @@ def measure(jobs, runs):
     taken = {key: [] for key in jobs}
     for turn in range(runs):
         for key, command in jobs.items():
-            print(f"\r{turn + 1}/{runs} {key[0]} {key[1]} {key[2]:>9}   ", end="", file=sys.stderr)
+            if sys.stderr.isatty():
+                print(f"\r{turn + 1}/{runs} {key[0]} {key[1]} {key[2]:>9}   ", end="", file=sys.stderr)
             result = line(command)
             if result:
                 taken[key].append(result)
-    print("\r" + " " * 50 + "\r", end="", file=sys.stderr)
+    if sys.stderr.isatty():
+        print("\r" + " " * 50 + "\r", end="", file=sys.stderr)
     medians = {}
     for key, results in taken.items():
         if not results:

@@ -65,9 +65,12 @@ private:
         if (!useful) return;
         sums_.reserve(static_cast<std::size_t>(table.held() / kBlock + 1));
         Sum sum;
-        for (std::uint64_t i = 0; i < table.held(); ++i) {
-            if (i % kBlock == 0) sums_.push_back(sum);
-            sum.add(table.at(i), i);
+        const auto& store = table.store();
+        for (std::uint64_t i = 0, held = table.held(); i < held;) {
+            sums_.push_back(sum);
+            for (const std::uint64_t end = std::min(i + kBlock, held); i < end; ++i) {
+                sum.add(store.at(i), i);
+            }
         }
         table_ = &table;
         generation_ = table.generation();
