@@ -13,7 +13,7 @@ namespace {
 // costs no more than either. Reading on from it doubles that up to the whole window.
 constexpr std::int64_t kFirstFill = 512;
 constexpr std::int64_t kNear = 4096; // a step ahead of this many bytes still counts as reading on
-constexpr std::int64_t kWindow = 256 * 1024;
+constexpr std::int64_t kWindow = 64 * 1024;
 
 os::Access toAccess(CFileStream::Mode mode) {
     switch (mode) {

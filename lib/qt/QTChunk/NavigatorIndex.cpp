@@ -4,69 +4,6 @@
 
 namespace Ketra::QT::wire {
 
-void TimeIndex::pass(TimePoint& point, const Run& run, std::uint32_t group) {
-    const std::uint64_t end = point.samples + run.count;
-    const std::uint64_t frames = (end + group - 1) / group - (point.samples + group - 1) / group;
-    const std::uint64_t perFrame = static_cast<std::uint64_t>(run.value) * group;
-    const bool fits = frames == 0 || perFrame <= ~std::uint64_t{0} / frames;
-    point.ticks = addSaturated(point.ticks, fits ? frames * perFrame : ~std::uint64_t{0});
-    point.samples = end;
-    ++point.entry;
-}
-
-void TimeIndex::build(const Table& table, std::uint32_t group) {
-    if (group_ == group && generation_ == table.generation() && table.packed()) return;
-    points_.clear();
-    group_ = group;
-    generation_ = table.generation();
-    TimePoint point;
-    points_.push_back(point);
-    if (!table.packed()) {
-        group_ = 0; // walked from the front this time, and asked again the next
-        return;
-    }
-    const std::uint64_t held = table.held();
-    for (std::uint64_t i = 0; i < held; ++i) {
-        pass(point, table.store().at(i), group);
-        if (point.entry % kIndexStep == 0) points_.push_back(point);
-    }
-}
-
-bool TimeIndex::locateSample(const Table& table, std::uint32_t group, std::uint64_t k, TimePoint& found) {
-    build(table, group);
-    const auto after =
-        std::upper_bound(points_.begin(), points_.end(), k,
-                         [](std::uint64_t sample, const TimePoint& p) { return sample < p.samples; });
-    TimePoint point = *(after - 1); // the first point stands before sample 0
-    for (const std::uint64_t held = table.held(); point.entry < held;) {
-        const Run run = table.at(point.entry);
-        if (k < point.samples + run.count) {
-            found = point;
-            return true;
-        }
-        pass(point, run, group);
-    }
-    return false;
-}
-
-bool TimeIndex::locateTicks(const Table& table, std::uint64_t x, TimePoint& found) {
-    build(table, 1);
-    auto from = std::lower_bound(points_.begin(), points_.end(), x,
-                                 [](const TimePoint& p, std::uint64_t ticks) { return p.ticks < ticks; });
-    if (from != points_.begin()) --from;
-    TimePoint point = *from;
-    for (const std::uint64_t held = table.held(); point.entry < held;) {
-        TimePoint behind = point;
-        pass(behind, table.at(point.entry), 1);
-        if (x <= behind.ticks) {
-            found = point;
-            return true;
-        }
-        point = behind;
-    }
-    return false;
-}
-
 std::uint64_t SizeIndex::before(const Table& table, std::uint64_t index) {
     std::uint64_t sum = sums_[static_cast<std::size_t>(index / kIndexStep)];
     for (std::uint64_t i = index / kIndexStep * kIndexStep; i < index; ++i) {

@@ -1,4 +1,4 @@
-#include <qt/QTAtoms/detail/RunIndex.h>
+#include <qt/QTAtoms/detail/DecodeIndex.h>
 #include <qt/QTAtoms/detail/Runs.h>
 #include <qt/QTAtoms/detail/TableMethods.h>
 #include <qt/QTAtoms/samples/CTTS.h>

@@ -5,45 +5,12 @@
 #pragma once
 
 #include <qt/QTAtoms/detail/SampleRecords.h>
+#include <qt/QTChunk/detail/TimeIndex.h>
 
 #include <cstdint>
 #include <vector>
 
 namespace Ketra::QT::wire {
-
-constexpr std::uint64_t kIndexStep = 64;
-
-inline std::uint64_t addSaturated(std::uint64_t a, std::uint64_t b) {
-    return b > ~a ? ~std::uint64_t{0} : a + b;
-}
-
-/// An entry of a time-to-sample table and what stands before it.
-struct TimePoint {
-    std::uint64_t entry = 0;
-    std::uint64_t samples = 0; // stored samples before the entry
-    std::uint64_t ticks = 0;   // time before the entry
-};
-
-/// Sums over a time-to-sample table. With a group of g stored samples to a frame, a frame lasts g times the
-/// duration of the entry that its first stored sample lies in; with a group of 1 that is the plain sum.
-class TimeIndex {
-public:
-    using Table = EntryTable<TimeToSampleEntry>;
-
-    /// The entry that covers stored sample k (from 0); false when the table ends before it.
-    bool locateSample(const Table& table, std::uint32_t group, std::uint64_t k, TimePoint& found);
-    /// The first entry that ends at or after x ticks; false when the table ends before that.
-    bool locateTicks(const Table& table, std::uint64_t x, TimePoint& found);
-    /// Moves a point behind its entry.
-    static void pass(TimePoint& point, const Run& run, std::uint32_t group);
-
-private:
-    void build(const Table& table, std::uint32_t group);
-
-    std::vector<TimePoint> points_; // before entry 0, 64, 128, ...
-    unsigned int generation_ = 0;
-    std::uint32_t group_ = 0; // 0: not built
-};
 
 /// Sums over a table of sample sizes.
 class SizeIndex {

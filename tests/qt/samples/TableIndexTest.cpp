@@ -1,9 +1,9 @@
 // Lookups in run-length tables against the plain walk that they replace.
 #include "qt/samples/TableFixture.h"
 
-#include <qt/QTAtoms/detail/RunIndex.h>
 #include <qt/QTAtoms/samples/CTTS.h>
 #include <qt/QTAtoms/samples/STTS.h>
+#include <qt/QTChunk/detail/TimeIndex.h>
 #include <qt/wire/Access.h>
 
 #include <random>
@@ -35,32 +35,48 @@ Runs randomRuns(std::mt19937& random, std::size_t most) {
     return runs;
 }
 
-/// What a walk from the first entry finds: the first entry that `reached` its goal.
+using Found = std::optional<wire::TimePoint>;
+
+/// What a walk from the first entry finds: the first entry that `reached` its goal. A frame of `group`
+/// samples lasts `group` times the duration of the entry that its first sample lies in.
 template <class Reached>
-std::optional<wire::RunPlace> walk(const Runs& runs, Reached reached) {
-    std::uint64_t samples = 0;
-    std::uint64_t ticks = 0;
-    for (std::size_t i = 0; i < runs.size(); ++i) {
-        const std::uint64_t more = std::uint64_t{runs[i].count} * runs[i].value;
-        if (reached(samples + runs[i].count, ticks + more)) return wire::RunPlace{i, samples, ticks};
-        samples += runs[i].count;
-        ticks += more;
+Found walk(const Runs& runs, std::uint32_t group, Reached reached) {
+    wire::TimePoint at;
+    for (const wire::Run& run : runs) {
+        wire::TimePoint behind{at.entry + 1, at.samples + run.count, at.ticks};
+        for (std::uint64_t k = at.samples; k < behind.samples; ++k) {
+            if (k % group == 0) behind.ticks += std::uint64_t{run.value} * group;
+        }
+        if (reached(behind)) return at;
+        at = behind;
     }
     return std::nullopt;
 }
 
-void expectSame(const std::optional<wire::RunPlace>& got, const std::optional<wire::RunPlace>& want) {
+Found sampleIn(wire::TimeIndex& index, const wire::TimeIndex::Table& table, std::uint32_t group,
+               std::uint64_t k) {
+    wire::TimePoint found;
+    return index.locateSample(table, group, k, found) ? Found(found) : std::nullopt;
+}
+
+Found ticksIn(wire::TimeIndex& index, const wire::TimeIndex::Table& table, std::uint64_t x) {
+    wire::TimePoint found;
+    return index.locateTicks(table, x, found) ? Found(found) : std::nullopt;
+}
+
+void expectSame(const Found& got, const Found& want) {
     ASSERT_EQ(got.has_value(), want.has_value());
     if (!got) return;
     ASSERT_EQ(got->entry, want->entry);
-    ASSERT_EQ(got->samplesBefore, want->samplesBefore);
-    ASSERT_EQ(got->ticksBefore, want->ticksBefore);
+    ASSERT_EQ(got->samples, want->samples);
+    ASSERT_EQ(got->ticks, want->ticks);
 }
 
-TEST(RunIndex, LikeTheWalk) {
+TEST(TimeIndex, LikeTheWalk) {
     std::mt19937 random(7);
     for (int round = 0; round < 60; ++round) {
-        const Runs runs = randomRuns(random, round % 3 ? 700 : 5);
+        const Runs runs = randomRuns(random, round % 3 ? 300 : 5);
+        const std::uint32_t group = round % 2 ? 1 : static_cast<std::uint32_t>(random() % 5 + 1);
         const auto stts = tableOf<STTS>("stts", runs);
         const auto& table = wire::Access::table(*stts);
         std::uint64_t samples = 0;
@@ -69,67 +85,60 @@ TEST(RunIndex, LikeTheWalk) {
             samples += run.count;
             ticks += std::uint64_t{run.count} * run.value;
         }
-        wire::RunIndex index;
+        wire::TimeIndex bySample;
+        wire::TimeIndex byTime;
         for (int pass = 0; pass < 2; ++pass) {
             for (std::uint64_t k = 0; k < samples + 3; ++k) {
-                expectSame(index.locateSample(table, k),
-                           walk(runs, [k](std::uint64_t s, std::uint64_t) { return s > k; }));
+                expectSame(sampleIn(bySample, table, group, k),
+                           walk(runs, group, [k](const wire::TimePoint& end) { return end.samples > k; }));
             }
             for (std::uint64_t x = 0; x < ticks + 3; ++x) {
-                expectSame(index.locateTicks(table, x),
-                           walk(runs, [x](std::uint64_t, std::uint64_t t) { return t >= x; }));
+                expectSame(ticksIn(byTime, table, x),
+                           walk(runs, 1, [x](const wire::TimePoint& end) { return end.ticks >= x; }));
             }
-            std::uint64_t through = 0;
-            for (std::size_t i = 0; i < runs.size() + 3; ++i) {
-                if (i < runs.size()) through += runs[i].count;
-                ASSERT_EQ(index.samplesThrough(table, i), through);
-            }
-            ASSERT_EQ(index.samplesThrough(table, ~std::uint64_t{0}), samples);
             ASSERT_EQ(table.packed(), pass == 0);
             stts->getTimeToSampleTable(); // the second pass finds objects
         }
     }
 }
 
-TEST(RunIndex, EmptyTableHasNoPlaces) {
+TEST(TimeIndex, EmptyTableHasNoPlaces) {
     const STTS stts;
-    wire::RunIndex index;
-    EXPECT_FALSE(index.locateSample(wire::Access::table(stts), 0));
-    EXPECT_FALSE(index.locateTicks(wire::Access::table(stts), 0));
-    EXPECT_EQ(index.samplesThrough(wire::Access::table(stts), 0), 0U);
+    wire::TimeIndex index;
+    EXPECT_FALSE(sampleIn(index, wire::Access::table(stts), 1, 0));
+    EXPECT_FALSE(ticksIn(index, wire::Access::table(stts), 0));
 }
 
-TEST(RunIndex, SumsHave64Bits) {
+TEST(TimeIndex, SumsHave64Bits) {
     const auto stts = tableOf<STTS>("stts", Runs(100, {0xFFFFFFFF, 0xFFFFFFFF}));
     const auto& table = wire::Access::table(*stts);
-    wire::RunIndex index;
-    EXPECT_EQ(index.samplesThrough(table, 99), 100 * 0xFFFFFFFFULL);
-    EXPECT_EQ(index.locateSample(table, 70 * 0xFFFFFFFFULL)->entry, 70U);
-    EXPECT_EQ(index.locateTicks(table, 1)->entry, 0U);
-    EXPECT_EQ(index.locateTicks(table, ~std::uint64_t{0})->entry, 1U) << "past 2^64 ticks the sum stays";
+    wire::TimeIndex index;
+    EXPECT_EQ(sampleIn(index, table, 1, 70 * 0xFFFFFFFFULL)->entry, 70U);
+    EXPECT_EQ(ticksIn(index, table, 1)->entry, 0U);
+    EXPECT_EQ(ticksIn(index, table, ~std::uint64_t{0})->entry, 1U) << "past 2^64 ticks the sum stays";
 }
 
-TEST(RunIndex, ChangedTableIsIndexedAnew) {
+TEST(TimeIndex, ChangedTableIsIndexedAnew) {
     const auto stts = tableOf<STTS>("stts", Runs(200, {1, 1}));
     auto& table = wire::Access::table(*stts);
-    wire::RunIndex index;
-    EXPECT_EQ(index.locateSample(table, 150)->entry, 150U);
+    wire::TimeIndex index;
+    EXPECT_EQ(sampleIn(index, table, 1, 150)->entry, 150U);
     table.append(wire::Run{5, 1});
-    EXPECT_EQ(index.locateSample(table, 204)->entry, 200U);
-    wire::RunIndex copy = index;
+    EXPECT_EQ(sampleIn(index, table, 1, 204)->entry, 200U);
+    wire::TimeIndex copy = index;
     stts->updateSize(); // all merge into one entry
-    EXPECT_EQ(index.locateSample(table, 204)->entry, 0U);
-    EXPECT_EQ(copy.locateSample(table, 204)->entry, 0U);
-    EXPECT_FALSE(copy.locateSample(table, 205));
+    EXPECT_EQ(sampleIn(index, table, 1, 204)->entry, 0U);
+    EXPECT_EQ(sampleIn(copy, table, 1, 204)->entry, 0U);
+    EXPECT_FALSE(sampleIn(copy, table, 1, 205));
 }
 
-TEST(RunIndex, ChangedRecordIsSeen) {
+TEST(TimeIndex, ChangedRecordIsSeen) {
     const auto stts = tableOf<STTS>("stts", Runs(200, {1, 1}));
     const auto& table = wire::Access::table(*stts);
-    wire::RunIndex index;
-    EXPECT_EQ(index.locateSample(table, 150)->entry, 150U);
+    wire::TimeIndex index;
+    EXPECT_EQ(sampleIn(index, table, 1, 150)->entry, 150U);
     stts->getTimeToSampleData(0)->setSampleCount(100);
-    EXPECT_EQ(index.locateSample(table, 150)->entry, 51U);
+    EXPECT_EQ(sampleIn(index, table, 1, 150)->entry, 51U);
 }
 
 void expectSeeks(CTTS& ctts, std::uint64_t most) {

@@ -1,4 +1,4 @@
-// Looking up a sample or a time in a run-length table without walking all of it.
+// Moving the decode cursor of a run-length table to a sample without walking all entries before it.
 //
 // Every 64th running sum is kept; a lookup halves its way to a block and walks the rest. The sums are built
 // by the first lookup and belong to one generation of one packed table: a table that changed gets new ones,
@@ -9,8 +9,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <limits>
-#include <optional>
 #include <vector>
 
 namespace Ketra::QT::wire {
@@ -82,57 +80,6 @@ private:
     std::vector<Sum> sums_; // before each block
     const void* table_ = nullptr;
     unsigned int generation_ = 0;
-};
-
-/// Samples and ticks of the time-to-sample table, in 64 bits. Ticks that not even these can hold stay at the
-/// largest number, so that sums never fall.
-struct RunSum {
-    std::uint64_t samples = 0;
-    std::uint64_t ticks = 0;
-
-    void add(const Run& run, std::uint64_t) {
-        constexpr auto kMost = std::numeric_limits<std::uint64_t>::max();
-        const std::uint64_t more = std::uint64_t{run.count} * run.value;
-        samples += run.count;
-        ticks = more > kMost - ticks ? kMost : ticks + more;
-    }
-};
-
-/// Where a sample or a time lies: the entry, and what the entries before it cover.
-struct RunPlace {
-    std::uint64_t entry;
-    std::uint64_t samplesBefore;
-    std::uint64_t ticksBefore;
-};
-
-/// Lookups in a time-to-sample table. A value: a copy serves the same table.
-class RunIndex {
-public:
-    /// The entry that covers the sample (counted from 0); entries of no samples are passed.
-    template <class Table>
-    std::optional<RunPlace> locateSample(const Table& table, std::uint64_t sample) {
-        return place(table, [sample](const RunSum& sum) { return sum.samples > sample; });
-    }
-    /// The first entry whose end is at `ticks` or behind.
-    template <class Table>
-    std::optional<RunPlace> locateTicks(const Table& table, std::uint64_t ticks) {
-        return place(table, [ticks](const RunSum& sum) { return sum.ticks >= ticks; });
-    }
-    /// The samples of all entries up to and with this one; entries beyond the table add nothing.
-    template <class Table>
-    std::uint64_t samplesThrough(const Table& table, std::uint64_t entry) {
-        return sums_.sumOf(table, std::min(entry, table.held()) + 1).samples;
-    }
-
-private:
-    template <class Table, class Reached>
-    std::optional<RunPlace> place(const Table& table, Reached reached) {
-        const auto found = sums_.firstReaching(table, reached);
-        if (found.entry == table.held()) return std::nullopt;
-        return RunPlace{found.entry, found.before.samples, found.before.ticks};
-    }
-
-    SampledSums<RunSum> sums_;
 };
 
 /// Steps that the decode cursor of the composition table spends on each entry: the cursor starts in the first
