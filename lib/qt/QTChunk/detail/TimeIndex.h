@@ -71,7 +71,8 @@ inline void TimeIndex::build(const Table& table, std::uint32_t group) {
     }
 }
 
-inline bool TimeIndex::locateSample(const Table& table, std::uint32_t group, std::uint64_t k, TimePoint& found) {
+inline bool TimeIndex::locateSample(const Table& table, std::uint32_t group, std::uint64_t k,
+                                    TimePoint& found) {
     build(table, group);
     const auto after =
         std::upper_bound(points_.begin(), points_.end(), k,
