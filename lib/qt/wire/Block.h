@@ -57,7 +57,7 @@ public:
     /// Copies; a block that cannot be had leaves the field empty.
     void assign(const unsigned char* data, std::uint64_t size) {
         MallocPtr copy = data ? allocateRaw(size) : nullptr;
-        if (copy && size) std::memcpy(copy.get(), data, static_cast<std::size_t>(size));
+        if (copy && data && size) std::memcpy(copy.get(), data, static_cast<std::size_t>(size));
         size_ = copy ? size : 0;
         bytes_ = std::move(copy);
     }
