@@ -71,26 +71,7 @@ void QTTrack::copyState(const QTTrack& other) {
     hintDescription_ = duplicate(other.hintDescription_);
     compressorName_ = other.compressorName_;
     compressorNameLength_ = other.compressorNameLength_;
-    tkhd_ = other.tkhd_;
-    mdia_ = other.mdia_;
-    elst_ = other.elst_;
-    mdhd_ = other.mdhd_;
-    minf_ = other.minf_;
-    mediaHandler_ = other.mediaHandler_;
-    stts_ = other.stts_;
-    ctts_ = other.ctts_;
-    vmhd_ = other.vmhd_;
-    smhd_ = other.smhd_;
-    gmhd_ = other.gmhd_;
-    hmhd_ = other.hmhd_;
-    dref_ = other.dref_;
-    stbl_ = other.stbl_;
-    dataHandler_ = other.dataHandler_;
-    stsd_ = other.stsd_;
-    stco_ = other.stco_;
-    stsz_ = other.stsz_;
-    udta_ = other.udta_;
-    tref_ = other.tref_;
+    atoms_ = other.atoms_;
     chunk_.reset(); // a cursor belongs to one track
     chunkNumber_ = other.chunkNumber_;
     sampleNumber_ = other.sampleNumber_;
@@ -168,13 +149,13 @@ std::uint64_t QTTrack::mediaUnits(double seconds) const {
 
 int QTTrack::setID(unsigned int id) {
     id_ = id;
-    if (tkhd_) tkhd_->setTrackID(id);
+    if (atoms_.tkhd) atoms_.tkhd->setTrackID(id);
     return 0;
 }
 
 int QTTrack::setAlternateGroup(unsigned short group) {
     alternateGroup_ = group;
-    if (tkhd_) tkhd_->setAlternateGroup(group);
+    if (atoms_.tkhd) atoms_.tkhd->setAlternateGroup(group);
     return 0;
 }
 
@@ -221,7 +202,7 @@ int QTTrack::setCompressorName(unsigned int length, unsigned char* name) {
 }
 
 STSDData* QTTrack::getCurrentAtomSampleDescriptionData() const {
-    return stsd_ ? stsd_->getCurrentSampleDescriptionData() : nullptr;
+    return atoms_.stsd ? atoms_.stsd->getCurrentSampleDescriptionData() : nullptr;
 }
 
 } // namespace Ketra::QT

@@ -231,31 +231,53 @@ protected:
     /// The media duration for a duration in seconds, in media units.
     std::uint64_t mediaUnits(double seconds) const;
 
-    TKHD* tkhd() const { return tkhd_; }
-    MDHD* mdhd() const { return mdhd_; }
-    HDLR* mediaHandler() const { return mediaHandler_; }
-    HDLR* dataHandler() const { return dataHandler_; }
-    VMHD* vmhd() const { return vmhd_; }
-    HMHD* hmhd() const { return hmhd_; }
-    QTAtom* gmhd() const { return gmhd_; }
-    QTAtom* stbl() const { return stbl_; }
-    STSD* stsd() const { return stsd_; }
-    STSZ* stsz() const { return stsz_; }
-    STTS* stts() const { return stts_; }
-    CTTS* ctts() const { return ctts_; }
-    ELST* elst() const { return elst_; }
-    DREF* dref() const { return dref_; }
-    UDTA* udta() const { return udta_; }
-    QTAtom* tref() const { return tref_; }
+    TKHD* tkhd() const { return atoms_.tkhd; }
+    MDHD* mdhd() const { return atoms_.mdhd; }
+    HDLR* mediaHandler() const { return atoms_.mediaHandler; }
+    HDLR* dataHandler() const { return atoms_.dataHandler; }
+    VMHD* vmhd() const { return atoms_.vmhd; }
+    HMHD* hmhd() const { return atoms_.hmhd; }
+    QTAtom* gmhd() const { return atoms_.gmhd; }
+    QTAtom* stbl() const { return atoms_.stbl; }
+    STSD* stsd() const { return atoms_.stsd; }
+    STSZ* stsz() const { return atoms_.stsz; }
+    STTS* stts() const { return atoms_.stts; }
+    CTTS* ctts() const { return atoms_.ctts; }
+    ELST* elst() const { return atoms_.elst; }
+    DREF* dref() const { return atoms_.dref; }
+    UDTA* udta() const { return atoms_.udta; }
+    QTAtom* tref() const { return atoms_.tref; }
 
 private:
+    /// What initAtoms() finds; the tree owns it.
+    struct Atoms {
+        TKHD* tkhd = nullptr;
+        QTAtom* mdia = nullptr;
+        ELST* elst = nullptr;
+        MDHD* mdhd = nullptr;
+        QTAtom* minf = nullptr;
+        HDLR* mediaHandler = nullptr;
+        STTS* stts = nullptr;
+        CTTS* ctts = nullptr;
+        VMHD* vmhd = nullptr;
+        QTAtom* smhd = nullptr;
+        QTAtom* gmhd = nullptr;
+        HMHD* hmhd = nullptr;
+        DREF* dref = nullptr;
+        QTAtom* stbl = nullptr;
+        HDLR* dataHandler = nullptr;
+        STSD* stsd = nullptr;
+        STCO* stco = nullptr;
+        STSZ* stsz = nullptr;
+        UDTA* udta = nullptr;
+        QTAtom* tref = nullptr;
+    };
     struct BitRateRecord {
         unsigned int length;
         double time;
         double duration;
     };
 
-    void createTree(unsigned int mediaType);
     void noteTimes(QTFrame& frame);
     unsigned int durationUnits(double seconds, unsigned int count);
     unsigned int samplesOf(const QTFrame& frame);
@@ -301,26 +323,7 @@ private:
     std::vector<unsigned char> compressorName_;
     unsigned int compressorNameLength_ = 0;
 
-    TKHD* tkhd_ = nullptr;
-    QTAtom* mdia_ = nullptr;
-    ELST* elst_ = nullptr;
-    MDHD* mdhd_ = nullptr;
-    QTAtom* minf_ = nullptr;
-    HDLR* mediaHandler_ = nullptr;
-    STTS* stts_ = nullptr;
-    CTTS* ctts_ = nullptr;
-    VMHD* vmhd_ = nullptr;
-    QTAtom* smhd_ = nullptr;
-    QTAtom* gmhd_ = nullptr;
-    HMHD* hmhd_ = nullptr;
-    DREF* dref_ = nullptr;
-    QTAtom* stbl_ = nullptr;
-    HDLR* dataHandler_ = nullptr;
-    STSD* stsd_ = nullptr;
-    STCO* stco_ = nullptr;
-    STSZ* stsz_ = nullptr;
-    UDTA* udta_ = nullptr;
-    QTAtom* tref_ = nullptr;
+    Atoms atoms_; // of the tree; filled by initAtoms()
 
     std::unique_ptr<QTChunk> chunk_;
     unsigned int chunkNumber_ = 0;

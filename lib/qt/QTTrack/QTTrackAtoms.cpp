@@ -7,30 +7,32 @@
 namespace Ketra::QT {
 
 int QTTrack::initAtoms() {
+    Atoms& a = atoms_;
+    a = {}; // of another tree, or of one that has changed
     if (!trak_) return -1;
-    tkhd_ = wire::child<TKHD>(trak_, fourCC("tkhd"));
-    udta_ = wire::child<UDTA>(trak_, fourCC("udta"));
-    elst_ = wire::child<ELST>(wire::child<QTAtom>(trak_, fourCC("edts")), fourCC("elst"));
-    tref_ = wire::child<QTAtom>(trak_, fourCC("tref"));
-    mdia_ = wire::child<QTAtom>(trak_, fourCC("mdia"));
-    if (!mdia_) return -1;
-    mdhd_ = wire::child<MDHD>(mdia_, fourCC("mdhd"));
-    mediaHandler_ = wire::child<HDLR>(mdia_, fourCC("hdlr"));
-    minf_ = wire::child<QTAtom>(mdia_, fourCC("minf"));
-    if (!minf_) return -1;
-    vmhd_ = wire::child<VMHD>(minf_, fourCC("vmhd"));
-    smhd_ = wire::child<QTAtom>(minf_, fourCC("smhd"));
-    gmhd_ = wire::child<QTAtom>(minf_, fourCC("gmhd"));
-    hmhd_ = wire::child<HMHD>(minf_, fourCC("hmhd"));
-    dref_ = wire::child<DREF>(wire::child<QTAtom>(minf_, fourCC("dinf")), fourCC("dref"));
-    dataHandler_ = wire::child<HDLR>(minf_, fourCC("hdlr"));
-    stbl_ = wire::child<QTAtom>(minf_, fourCC("stbl"));
-    if (!stbl_) return -1;
-    stts_ = wire::child<STTS>(stbl_, fourCC("stts"));
-    ctts_ = wire::child<CTTS>(stbl_, fourCC("ctts"));
-    stsd_ = wire::child<STSD>(stbl_, fourCC("stsd"));
-    stco_ = wire::child<STCO>(stbl_, fourCC("stco"));
-    stsz_ = wire::child<STSZ>(stbl_, fourCC("stsz"));
+    a.tkhd = wire::child<TKHD>(trak_, fourCC("tkhd"));
+    a.mdia = wire::child<QTAtom>(trak_, fourCC("mdia"));
+    if (!a.mdia) return -1;
+    a.udta = wire::child<UDTA>(trak_, fourCC("udta"));
+    a.elst = wire::child<ELST>(wire::child<QTAtom>(trak_, fourCC("edts")), fourCC("elst"));
+    a.tref = wire::child<QTAtom>(trak_, fourCC("tref"));
+    a.mdhd = wire::child<MDHD>(a.mdia, fourCC("mdhd"));
+    a.minf = wire::child<QTAtom>(a.mdia, fourCC("minf"));
+    if (!a.minf) return -1;
+    a.mediaHandler = wire::child<HDLR>(a.mdia, fourCC("hdlr"));
+    a.vmhd = wire::child<VMHD>(a.minf, fourCC("vmhd"));
+    a.smhd = wire::child<QTAtom>(a.minf, fourCC("smhd"));
+    a.gmhd = wire::child<QTAtom>(a.minf, fourCC("gmhd"));
+    a.hmhd = wire::child<HMHD>(a.minf, fourCC("hmhd"));
+    a.dref = wire::child<DREF>(wire::child<QTAtom>(a.minf, fourCC("dinf")), fourCC("dref"));
+    a.stbl = wire::child<QTAtom>(a.minf, fourCC("stbl"));
+    if (!a.stbl) return -1;
+    a.dataHandler = wire::child<HDLR>(a.minf, fourCC("hdlr"));
+    a.stts = wire::child<STTS>(a.stbl, fourCC("stts"));
+    a.ctts = wire::child<CTTS>(a.stbl, fourCC("ctts"));
+    a.stsd = wire::child<STSD>(a.stbl, fourCC("stsd"));
+    a.stco = wire::child<STCO>(a.stbl, fourCC("stco"));
+    a.stsz = wire::child<STSZ>(a.stbl, fourCC("stsz"));
     return 0;
 }
 
@@ -49,79 +51,93 @@ Value get(const Atom* atom, Value (Atom::*getter)() const) {
 
 } // namespace
 
-int QTTrack::setAtomHeaderDuration(unsigned int units) { return set(tkhd_, &TKHD::setDuration, units); }
-unsigned int QTTrack::getAtomHeaderDuration() const { return get(tkhd_, &TKHD::getDuration); }
-int QTTrack::setAtomHeaderFlags(unsigned int flags) { return set(tkhd_, &TKHD::setFlags, flags); }
-unsigned int QTTrack::getAtomHeaderFlags() const { return get(tkhd_, &TKHD::getFlags); }
-int QTTrack::setAtomHeaderWidth(float pixels) { return set(tkhd_, &TKHD::setWidth, pixels); }
-int QTTrack::setAtomHeaderHeight(float pixels) { return set(tkhd_, &TKHD::setHeight, pixels); }
-float QTTrack::getAtomHeaderWidth() const { return get(tkhd_, &TKHD::getWidth); }
-float QTTrack::getAtomHeaderHeight() const { return get(tkhd_, &TKHD::getHeight); }
+int QTTrack::setAtomHeaderDuration(unsigned int units) { return set(atoms_.tkhd, &TKHD::setDuration, units); }
+unsigned int QTTrack::getAtomHeaderDuration() const { return get(atoms_.tkhd, &TKHD::getDuration); }
+int QTTrack::setAtomHeaderFlags(unsigned int flags) { return set(atoms_.tkhd, &TKHD::setFlags, flags); }
+unsigned int QTTrack::getAtomHeaderFlags() const { return get(atoms_.tkhd, &TKHD::getFlags); }
+int QTTrack::setAtomHeaderWidth(float pixels) { return set(atoms_.tkhd, &TKHD::setWidth, pixels); }
+int QTTrack::setAtomHeaderHeight(float pixels) { return set(atoms_.tkhd, &TKHD::setHeight, pixels); }
+float QTTrack::getAtomHeaderWidth() const { return get(atoms_.tkhd, &TKHD::getWidth); }
+float QTTrack::getAtomHeaderHeight() const { return get(atoms_.tkhd, &TKHD::getHeight); }
 
-int QTTrack::setAtomMediaDuration(std::uint64_t units) { return set(mdhd_, &MDHD::setDuration, units); }
-std::uint64_t QTTrack::getAtomMediaDuration() const { return get(mdhd_, &MDHD::getDuration); }
-int QTTrack::setAtomMediaTimeScale(unsigned int scale) { return set(mdhd_, &MDHD::setTimeScale, scale); }
-unsigned int QTTrack::getAtomMediaTimeScale() const { return get(mdhd_, &MDHD::getTimeScale); }
-int QTTrack::setAtomMediaLanguage(unsigned short code) { return set(mdhd_, &MDHD::setLanguage, code); }
-unsigned short QTTrack::getAtomMediaLanguage() const { return get(mdhd_, &MDHD::getLanguage); }
+int QTTrack::setAtomMediaDuration(std::uint64_t units) { return set(atoms_.mdhd, &MDHD::setDuration, units); }
+std::uint64_t QTTrack::getAtomMediaDuration() const { return get(atoms_.mdhd, &MDHD::getDuration); }
+int QTTrack::setAtomMediaTimeScale(unsigned int scale) {
+    return set(atoms_.mdhd, &MDHD::setTimeScale, scale);
+}
+unsigned int QTTrack::getAtomMediaTimeScale() const { return get(atoms_.mdhd, &MDHD::getTimeScale); }
+int QTTrack::setAtomMediaLanguage(unsigned short code) { return set(atoms_.mdhd, &MDHD::setLanguage, code); }
+unsigned short QTTrack::getAtomMediaLanguage() const { return get(atoms_.mdhd, &MDHD::getLanguage); }
 
 int QTTrack::setAtomMediaHandlerComponentType(unsigned int type) {
-    return set(mediaHandler_, &HDLR::setComponentType, type);
+    return set(atoms_.mediaHandler, &HDLR::setComponentType, type);
 }
 
 int QTTrack::setAtomMediaHandlerComponentSubType(unsigned int type) {
-    return set(mediaHandler_, &HDLR::setComponentSubType, type);
+    return set(atoms_.mediaHandler, &HDLR::setComponentSubType, type);
 }
 
 int QTTrack::setAtomMediaHandlerManufacturer(unsigned int code) {
-    return set(mediaHandler_, &HDLR::setComponentManufacturer, code);
+    return set(atoms_.mediaHandler, &HDLR::setComponentManufacturer, code);
 }
 
 int QTTrack::setAtomMediaHandlerComponentName(const char* name, unsigned int length, bool pascal) {
-    return mediaHandler_ ? mediaHandler_->setComponentName(name, length, pascal) : -1;
+    return atoms_.mediaHandler ? atoms_.mediaHandler->setComponentName(name, length, pascal) : -1;
 }
 
 int QTTrack::setAtomDataHandlerComponentType(unsigned int type) {
-    return set(dataHandler_, &HDLR::setComponentType, type);
+    return set(atoms_.dataHandler, &HDLR::setComponentType, type);
 }
 
 int QTTrack::setAtomDataHandlerComponentSubType(unsigned int type) {
-    return set(dataHandler_, &HDLR::setComponentSubType, type);
+    return set(atoms_.dataHandler, &HDLR::setComponentSubType, type);
 }
 
 int QTTrack::setAtomDataHandlerManufacturer(unsigned int code) {
-    return set(dataHandler_, &HDLR::setComponentManufacturer, code);
+    return set(atoms_.dataHandler, &HDLR::setComponentManufacturer, code);
 }
 
 int QTTrack::setAtomDataHandlerComponentName(const char* name, unsigned int length, bool pascal) {
-    return dataHandler_ ? dataHandler_->setComponentName(name, length, pascal) : -1;
+    return atoms_.dataHandler ? atoms_.dataHandler->setComponentName(name, length, pascal) : -1;
 }
 
 unsigned int QTTrack::getAtomMediaHandlerNameSize() const {
-    return get(mediaHandler_, &HDLR::getComponentNameSize);
+    return get(atoms_.mediaHandler, &HDLR::getComponentNameSize);
 }
 unsigned int QTTrack::getAtomDataHandlerNameSize() const {
-    return get(dataHandler_, &HDLR::getComponentNameSize);
+    return get(atoms_.dataHandler, &HDLR::getComponentNameSize);
 }
 
 int QTTrack::setAtomVideoMediaGraphicsMode(unsigned short mode) {
-    return set(vmhd_, &VMHD::setGraphicsMode, mode);
+    return set(atoms_.vmhd, &VMHD::setGraphicsMode, mode);
 }
-unsigned short QTTrack::getAtomVideoMediaGraphicsMode() const { return get(vmhd_, &VMHD::getGraphicsMode); }
-int QTTrack::setAtomVideoMediaOpColors(unsigned short color) { return set(vmhd_, &VMHD::setOpColor, color); }
-unsigned short QTTrack::getAtomVideoMediaOpColor() const { return get(vmhd_, &VMHD::getOpColor); }
+unsigned short QTTrack::getAtomVideoMediaGraphicsMode() const {
+    return get(atoms_.vmhd, &VMHD::getGraphicsMode);
+}
+int QTTrack::setAtomVideoMediaOpColors(unsigned short color) {
+    return set(atoms_.vmhd, &VMHD::setOpColor, color);
+}
+unsigned short QTTrack::getAtomVideoMediaOpColor() const { return get(atoms_.vmhd, &VMHD::getOpColor); }
 
 unsigned int QTTrack::getAtomNumberOfDataReferenceEntries() const {
-    return get(dref_, &DREF::getNumberOfEntries);
+    return get(atoms_.dref, &DREF::getNumberOfEntries);
 }
-unsigned int QTTrack::getAtomNumberOfEditListEntries() const { return get(elst_, &ELST::getNumberOfEntries); }
-int QTTrack::addAtomDataReference(DREFEntry* entry) { return set(dref_, &DREF::addDataReference, entry); }
-int QTTrack::addAtomEditListEntry(ELSTData* entry) { return set(elst_, &ELST::addEditListEntry, entry); }
-int QTTrack::addAtomTimeToSample(STTSData* entry) { return set(stts_, &STTS::addTimeToSample, entry); }
+unsigned int QTTrack::getAtomNumberOfEditListEntries() const {
+    return get(atoms_.elst, &ELST::getNumberOfEntries);
+}
+int QTTrack::addAtomDataReference(DREFEntry* entry) {
+    return set(atoms_.dref, &DREF::addDataReference, entry);
+}
+int QTTrack::addAtomEditListEntry(ELSTData* entry) {
+    return set(atoms_.elst, &ELST::addEditListEntry, entry);
+}
+int QTTrack::addAtomTimeToSample(STTSData* entry) { return set(atoms_.stts, &STTS::addTimeToSample, entry); }
 int QTTrack::addAtomCodingTimeToSample(CTTSData* entry) {
-    return set(ctts_, &CTTS::addCompositionTime, entry);
+    return set(atoms_.ctts, &CTTS::addCompositionTime, entry);
 }
-int QTTrack::addToAtomStcoOffsets(std::uint64_t delta) { return set(stco_, &STCO::addToOffsets, delta); }
+int QTTrack::addToAtomStcoOffsets(std::uint64_t delta) {
+    return set(atoms_.stco, &STCO::addToOffsets, delta);
+}
 
 unsigned char QTTrack::getUInt8(unsigned char** cursor) { return *(*cursor)++; }
 

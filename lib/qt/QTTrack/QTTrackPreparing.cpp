@@ -37,17 +37,17 @@ int QTTrack::endTrack() {
     isClosed_ = true;
     stopped_ = true;
     const unsigned int scale = getAtomMediaTimeScale();
-    if (duration_ == 0 && scale != 0 && stts_) {
+    if (duration_ == 0 && scale != 0 && atoms_.stts) {
         std::uint64_t units = 0;
-        const auto& table = wire::Access::table(*stts_);
+        const auto& table = wire::Access::table(*atoms_.stts);
         for (std::uint64_t i = 0; i < table.counted(); ++i) {
             const auto run = table.at(i);
             units += static_cast<std::uint64_t>(run.count) * run.value;
         }
         duration_ = wire::toSeconds(static_cast<double>(units), scale);
     }
-    if (tkhd_ && tkhd_->getDuration() == 0 && movieTimeScale_ != 0) {
-        tkhd_->setDuration(clampedUnsigned(duration_ * movieTimeScale_ + 0.5));
+    if (atoms_.tkhd && atoms_.tkhd->getDuration() == 0 && movieTimeScale_ != 0) {
+        atoms_.tkhd->setDuration(clampedUnsigned(duration_ * movieTimeScale_ + 0.5));
     }
     return 0;
 }
@@ -75,8 +75,8 @@ void QTTrack::addDefaultEdits() {
 int QTTrack::prepareForWriting() {
     const bool quickTime = movieType_ == kMOV;
     prepared_ = true;
-    if (elst_ && elst_->getNumberOfEntries() == 0) addDefaultEdits();
-    if (dref_ && dref_->getNumberOfEntries() == 0) {
+    if (atoms_.elst && atoms_.elst->getNumberOfEntries() == 0) addDefaultEdits();
+    if (atoms_.dref && atoms_.dref->getNumberOfEntries() == 0) {
         addAtomDataReference(new DREFEntry(quickTime ? fourCC("alis") : fourCC("url "), 1U));
     }
     const double bytesPerSecond =

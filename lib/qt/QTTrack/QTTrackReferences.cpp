@@ -70,8 +70,12 @@ int QTTrack::addSwitchAttribute(unsigned int attribute) {
     return changeSelections(trak_, [attribute](TSEL& selection) { selection.addAttribute(attribute); });
 }
 
-int QTTrack::enableTrack() { return tkhd_ ? tkhd_->setFlags(tkhd_->getFlags() & kEnabled) : -1; }
+int QTTrack::enableTrack() {
+    return atoms_.tkhd ? atoms_.tkhd->setFlags(atoms_.tkhd->getFlags() & kEnabled) : -1;
+}
 
-int QTTrack::disableTrack() { return tkhd_ ? tkhd_->setFlags(tkhd_->getFlags() ^ kEnabled) : -1; }
+int QTTrack::disableTrack() {
+    return atoms_.tkhd ? atoms_.tkhd->setFlags(atoms_.tkhd->getFlags() ^ kEnabled) : -1;
+}
 
 } // namespace Ketra::QT

@@ -106,12 +106,12 @@ int QTTrack::_addSample(QTFrame* frame, bool sync, bool partial) {
         frame->setSamplesInFrame(samplesOf(*frame));
     const unsigned int count = std::max(1U, frame->getSamplesInFrame());
     ++sampleNumber_;
-    appendRun(stts_, count, durationUnits(frame->getDuration(), count));
+    appendRun(atoms_.stts, count, durationUnits(frame->getDuration(), count));
     const bool video = getType() == fourCC("vide");
     if (video) {
         const double delay = frame->getTime() - frame->getDecodeTime();
         const double units = getAtomMediaTimeScale() * delay / count;
-        appendRun(ctts_, count, wire::toUnsigned32(delay < 0 ? units - 0.5 : units + 0.5));
+        appendRun(atoms_.ctts, count, wire::toUnsigned32(delay < 0 ? units - 0.5 : units + 0.5));
     }
     totalDataSize_ += frame->getDataLength();
     testChunkFull(frame->getTime());
@@ -212,7 +212,7 @@ int QTTrack::addDBABitrate(unsigned int bitRate) {
         auto fresh = std::make_unique<UDTA>();
         if (trak_->addChild(fresh.get()) != 0) return -1;
         place = fresh.release();
-        udta_ = place;
+        atoms_.udta = place;
     }
     auto entry = std::make_unique<QTDataAtom>(sizeof record + 8, fourCC("uuid"), record);
     if (place->addDataAtom(entry.get()) != 0) return -1;
