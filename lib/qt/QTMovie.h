@@ -28,6 +28,11 @@ public:
     /// movie header or no usable track. Throws CException for a compressed header that cannot be inflated and
     /// for sample descriptions that contradict themselves.
     static QTMovie* createNewQTMovieFromStream(QTStream* stream, QTMovieConstructionFlags flags);
+    /// An empty movie of the flavour, time scale 600: then per track beginTrack(), samples and endTrack();
+    /// endMovie(); prepareForWriting(); updateAtomSizes(); serializeRoot(). `hinted` makes room for hint
+    /// information, `ftypForMov` gives a QuickTime movie the file type that all others have. The caller owns
+    /// the movie.
+    static QTMovie* beginMovie(QTMovieConstructionFlags type, bool hinted, bool ftypForMov);
     ~QTMovie();
     QTMovie(const QTMovie&) = delete;
     QTMovie& operator=(const QTMovie&) = delete;
@@ -77,6 +82,28 @@ public:
     /// from UTF-8.
     int addUserData(unsigned int type, unsigned int length, const char* text);
 
+    /// A new track of the media type ("vide", "audi", "text", "tmcd", "vihi", "auhi", "odsm", "sdsm") with
+    /// its empty tree; borrowed. Throws what getNewTrackID() throws, and CException for another type.
+    QTTrack* beginTrack(unsigned int type, QTMovieConstructionFlags flags);
+    int endTrack(unsigned int trackID); ///< -1 without such a track
+    int endMovie();                     ///< -1 while a track is open
+    /// Prepares every track that is not prepared yet, then settles the movie's duration, hint information,
+    /// brands and profiles. Brands add up when it is called again. 0.
+    int prepareForWriting();
+    int setFtypMajorBrand(unsigned int brand); ///< -1 without "ftyp", like the next two
+    int setFtypMinorVersion(unsigned int version);
+    int addCompatibleBrand(unsigned int brand); ///< appended, in front of those of prepareForWriting()
+    /// False marks the movie as not to be transcoded, in its user data. -1 for a movie that was read with a
+    /// marker.
+    int setAllowTranscoding(bool allow);
+    int addInfoToHint(QTDataAtom* entry); ///< adopts on 0; -1 for null and without "moov"
+    int addBitRateToHint();               ///< the bit rate as it stands; -1 without user data
+    /// Adds the restrictions of an AMC file, which this library only places.
+    int addAMCRestrictions(bool a, bool b, unsigned int c, bool d, unsigned int e);
+    /// Shifts the chunk offsets of all tracks, as when the header goes in front of the media. -1 when a track
+    /// has no chunk offsets; the others are shifted all the same.
+    int addToAtomStcoOffsets(std::uint64_t delta);
+
     std::uint64_t updateAtomSizes(); ///< of the whole tree
     QTFrame* serializeRoot();        ///< the header part of the file; the caller owns it
 
@@ -91,6 +118,12 @@ private:
     bool createTracks();
     MOOV* movieAtom() const;
     UDTA* ensureUserData();
+    void settleDuration();
+    void settleBrands();
+    void settleProfileLevels();
+    void addHandheldProfiles();
+    int adoptIntoMoov(std::unique_ptr<QTAtom> child);
+    int adoptIntoRoot(std::unique_ptr<QTAtom> child);
 
     QTStream* stream_ = nullptr;
     QTMovieConstructionFlags flags_;

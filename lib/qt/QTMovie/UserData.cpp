@@ -1,6 +1,7 @@
 // Adding texts to the user data of a movie.
 #include <qt/QTAtoms.h>
 #include <qt/QTMovie.h>
+#include <qt/QTTrack/detail/UserData.h>
 #include <qt/wire/Bytes.h>
 
 #include <algorithm>
@@ -12,7 +13,6 @@ namespace Ketra::QT {
 
 namespace {
 
-constexpr unsigned int kEntryHeader = 8;
 constexpr unsigned short kEnglish = 0x15C7; // "eng", five bits a letter
 constexpr unsigned int kTextPrefix = 4;     // length and language of a QuickTime text
 
@@ -69,10 +69,15 @@ int QTMovie::addUserData(unsigned int type, unsigned int length, const char* tex
         wire::store16(payload.data(), counted - 1);
         std::memcpy(payload.data() + kTextPrefix, converted.data(), std::min(converted.size(), counted - 1));
     }
-    auto entry = std::make_unique<QTDataAtom>(kEntryHeader + payload.size(), type, payload.data());
-    if (place->addDataAtom(entry.get()) != 0) return -1;
-    static_cast<void>(entry.release());
-    return 0;
+    return wire::append(*place, wire::dataAtom(type, payload.data(), payload.size()));
+}
+
+int QTMovie::setAllowTranscoding(bool allow) {
+    constexpr unsigned char kForbidden[4] = {0, 0, 0, 1};
+    if (udta_ && udta_->getAtomOfType(fourCC("nsav"))) return -1;
+    if (allow) return 0;
+    UDTA* place = ensureUserData();
+    return place ? wire::append(*place, wire::dataAtom(fourCC("nsav"), kForbidden, sizeof kForbidden)) : -1;
 }
 
 } // namespace Ketra::QT

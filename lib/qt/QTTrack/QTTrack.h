@@ -249,6 +249,8 @@ protected:
     QTAtom* tref() const { return atoms_.tref; }
 
 private:
+    friend struct wire::Access;
+
     /// What initAtoms() finds; the tree owns it.
     struct Atoms {
         TKHD* tkhd = nullptr;

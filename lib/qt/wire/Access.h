@@ -54,6 +54,12 @@ struct Access {
     /// Bytes really behind a frame's data, whatever its length says.
     static unsigned int blockLength(const QTFrame& frame) { return frame.blockLength_; }
 
+    // --- tracks
+    template <class Track>
+    static bool isPrepared(const Track& track) {
+        return track.prepared_;
+    }
+
     // --- packets
     /// Bytes really behind a packet's payload, whatever its size says.
     template <class Packet>
