@@ -11,7 +11,8 @@ enum ExitCode : int {
     kSuccess = 0,
     kUsage = 2,      ///< the command line, or what it asks of the file, makes no sense
     kCannotRead = 3, ///< a file cannot be opened, read or written
-    kMalformed = 4   ///< not a movie, or a damaged one
+    kMalformed = 4,  ///< not a movie, or a damaged one
+    kNotAllowed = 5  ///< the file does not let itself be changed like that, or the output exists
 };
 
 /// The text says what is wrong; main() puts program and file in front of it.

@@ -16,17 +16,21 @@ struct CommandLine {
     bool treeJson = false;
     SamplesOptions samples;
     ExtractOptions extract;
+    HintOptions hint;
+    std::string sdpFile;
     CLI::App* info = nullptr;
     CLI::App* tree = nullptr;
     CLI::App* listing = nullptr;
     CLI::App* extraction = nullptr;
+    CLI::App* hinting = nullptr;
+    CLI::App* sdp = nullptr;
 
     CommandLine() {
         app.set_version_flag("--version", std::string("ketraqt ") + KETRAQT_VERSION);
         app.require_subcommand(1);
         app.footer(
             "Exit codes: 0 done, 2 wrong usage, 3 a file cannot be opened, read or written, 4 not a movie "
-            "or damaged.");
+            "or damaged, 5 not allowed or not supported.");
 
         info = app.add_subcommand("info", "Brands, duration and tracks of each file");
         info->add_option("FILE", infoFiles)->required();
@@ -51,13 +55,52 @@ struct CommandLine {
         extraction->add_option("FILE", extract.file)->required();
         extraction->add_option("--track", extract.track, "ID of the track")->required();
         extraction->add_option("-o,--output", extract.output, "Where to; - is standard output")->required();
+        addHinting();
+    }
+
+    void addHinting() {
+        constexpr unsigned int kLeastMtu = 128;
+        constexpr unsigned int kMostMtu = 65535;
+        hinting =
+            app.add_subcommand("hint", "Copies a movie and adds hint tracks, by which servers stream it");
+        hinting->add_option("FILE", hint.file)->required();
+        auto* output = hinting->add_option("-o,--output", hint.output, "Where to");
+        auto* mtu = hinting->add_option("--mtu", hint.mtu, "Largest packet in bytes, all headers included")
+                        ->check(CLI::Range(kLeastMtu, kMostMtu))
+                        ->capture_default_str();
+        auto* tracks = hinting->add_option("--tracks", hint.tracks, "IDs of the tracks to hint, with commas")
+                           ->delimiter(',');
+        auto* force = hinting->add_flag("--force", hint.force, "Replace the output if it exists");
+        auto* remove = hinting->add_flag("--remove", hint.remove, "Take the hint tracks out instead")
+                           ->excludes(mtu)
+                           ->excludes(tracks);
+        hinting->add_flag("--dump", hint.dump, "Print the packets instead, one JSON object a line")
+            ->excludes(output)
+            ->excludes(mtu)
+            ->excludes(tracks)
+            ->excludes(force)
+            ->excludes(remove);
+        hinting->callback([this] {
+            if (hint.output.empty() && !hint.dump) throw CLI::RequiredError("--output");
+        });
+
+        sdp = app.add_subcommand("sdp", "The session description of a movie with hint tracks");
+        sdp->add_option("FILE", sdpFile)->required();
     }
 
     int run() const {
         if (info->parsed()) return runInfo(infoFiles, infoJson);
         if (tree->parsed()) return guarded(treeFile, [this] { runTree(treeFile, treeJson); });
         if (listing->parsed()) return guarded(samples.file, [this] { runSamples(samples); });
+        if (sdp->parsed()) return guarded(sdpFile, [this] { runSdp(sdpFile); });
+        if (hinting->parsed()) return guarded(hint.file, [this] { runHinting(); });
         return guarded(extract.file, [this] { runExtract(extract); });
+    }
+
+    void runHinting() const {
+        if (hint.dump) return runHintDump(hint.file);
+        if (hint.remove) return runHintRemoval(hint);
+        runHint(hint);
     }
 };
 
