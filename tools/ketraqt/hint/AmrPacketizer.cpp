@@ -2,9 +2,6 @@
 
 #include "../ToolError.h"
 
-#include <algorithm>
-#include <iterator>
-
 namespace Ketra::Tool {
 
 namespace {
@@ -12,7 +9,6 @@ namespace {
 constexpr unsigned char kNoModeRequest = 0xF0;
 constexpr unsigned char kMoreFollow = 0x80;
 constexpr unsigned char kTypeAndQuality = 0x7C;
-constexpr std::size_t kMostFrames = 10; // of 20 ms
 
 /// Bytes of speech by frame type. Types without a number here are reserved.
 constexpr int kReserved = -1;
@@ -31,53 +27,53 @@ std::size_t AmrPacketizer::speechSize(unsigned char header) const {
     return static_cast<std::size_t>(size);
 }
 
-/// A sample holds one or more frames, each with its own header byte, and shares its duration among them.
-void AmrPacketizer::add(const MediaSample& sample) {
+std::vector<ByteView> AmrPacketizer::framesOf(ByteView sample) const {
     std::vector<ByteView> frames;
-    for (std::size_t at = 0; at < sample.bytes.size;) {
-        const std::size_t size = 1 + speechSize(sample.bytes[at]);
-        if (size > sample.bytes.size - at) throw ToolError(kMalformed, "an AMR frame is cut off");
-        frames.push_back(sample.bytes.part(at, size));
+    for (std::size_t at = 0; at < sample.size;) {
+        const std::size_t size = 1 + speechSize(sample[at]);
+        if (size > sample.size - at) throw ToolError(kMalformed, "an AMR frame is cut off");
+        frames.push_back(sample.part(at, size));
         at += size;
     }
-    const auto count = static_cast<std::int64_t>(frames.size());
-    for (std::int64_t i = 0; i < count; ++i) {
-        const std::int64_t from = sample.duration * i / count;
-        const std::int64_t to = sample.duration * (i + 1) / count;
-        addFrame(frames[static_cast<std::size_t>(i)],
-                 {{}, sample.decode + from, sample.presentation + from, to - from, true});
-    }
+    return frames;
 }
 
-void AmrPacketizer::addFrame(ByteView frame, const MediaSample& timing) {
-    if (!contents_.empty()) {
-        const bool follows = waiting_.presentation + waiting_.duration == timing.presentation;
-        const bool fits = 1 + contents_.size() + speech_.size() + frame.size <= largest();
-        if (!follows || !fits || contents_.size() == kMostFrames) finish();
-    }
-    if (contents_.empty()) {
-        waiting_ = groupOf(timing);
-        waiting_.duration = 0;
-    }
-    waiting_.duration += timing.duration;
-    contents_.push_back(frame[0] & kTypeAndQuality);
-    speech_.insert(speech_.end(), frame.begin() + 1, frame.end());
-}
-
-void AmrPacketizer::finish() {
-    if (contents_.empty()) return;
-    for (std::size_t i = 0; i + 1 < contents_.size(); ++i) {
-        contents_[i] |= kMoreFollow;
-    }
-    const bool speaks = !speech_.empty();
+ByteBlock AmrPacketizer::payloadOf(const ByteView* frames, std::size_t count) const {
     ByteBlock bytes{kNoModeRequest};
-    bytes.insert(bytes.end(), contents_.begin(), contents_.end());
-    bytes.insert(bytes.end(), speech_.begin(), speech_.end());
-    waiting_.payloads.push_back({std::move(bytes), speaks && silent_});
-    silent_ = !speaks;
-    contents_.clear();
-    speech_.clear();
-    put(std::move(waiting_));
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned int more = i + 1 < count ? kMoreFollow : 0;
+        bytes.push_back(static_cast<unsigned char>((frames[i][0] & kTypeAndQuality) | more));
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        bytes.insert(bytes.end(), frames[i].begin() + 1, frames[i].end());
+    }
+    return bytes;
+}
+
+/// The frames of a sample share its duration. A sample that is too large for one packet becomes several.
+void AmrPacketizer::add(const MediaSample& sample) {
+    const std::vector<ByteView> frames = framesOf(sample.bytes);
+    const auto tick = [&](std::size_t frame) {
+        return sample.duration * static_cast<std::int64_t>(frame) / static_cast<std::int64_t>(frames.size());
+    };
+    for (std::size_t first = 0; first < frames.size();) {
+        std::size_t end = first;
+        std::size_t size = 1;
+        bool speaks = false;
+        while (end < frames.size() && (end == first || size + frames[end].size <= largest())) {
+            size += frames[end].size;
+            speaks = speaks || frames[end].size > 1;
+            ++end;
+        }
+        PacketGroup group = groupOf(sample);
+        group.decode += tick(first);
+        group.presentation += tick(first);
+        group.duration = tick(end) - tick(first);
+        group.payloads.push_back({payloadOf(&frames[first], end - first), speaks && silent_});
+        silent_ = !speaks;
+        put(std::move(group));
+        first = end;
+    }
 }
 
 } // namespace Ketra::Tool

@@ -5,21 +5,20 @@
 
 namespace Ketra::Tool {
 
+/// A packet holds the frames of one sample: how many go together is the choice of who made the movie, and
+/// some receivers take no more than one.
 class AmrPacketizer : public Packetizer {
 public:
     AmrPacketizer(StreamFormat format, std::size_t largestPayload, bool wideBand);
     void add(const MediaSample& sample) override;
-    void finish() override;
 
 private:
     std::size_t speechSize(unsigned char header) const;
-    void addFrame(ByteView frame, const MediaSample& timing);
+    std::vector<ByteView> framesOf(ByteView sample) const;
+    ByteBlock payloadOf(const ByteView* frames, std::size_t count) const;
 
     bool wideBand_;
-    PacketGroup waiting_;
-    ByteBlock contents_; ///< one byte for each frame that waits
-    ByteBlock speech_;
-    bool silent_ = true; ///< the next packet begins speech
+    bool silent_ = true; ///< the next packet with speech begins it
 };
 
 } // namespace Ketra::Tool

@@ -145,7 +145,7 @@ void HintReader::takeSample(QT::QTTrack* track, unsigned int number, unsigned in
                             HintedPacket& packet) {
     QT::QTChunk* places = track == &hints_ ? places_.get() : mediaPlaces_.get();
     std::uint64_t fits = 0;
-    if (track && places && number) {
+    if (track && places && number && places->findChunkNumber(number) != 0) { // offsets are those in it
         try {
             const std::uint64_t begin = places->findSampleOffset(number);
             const std::uint64_t size = places->findSampleSize(number);
