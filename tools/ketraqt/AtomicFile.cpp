@@ -54,6 +54,7 @@ AtomicFile::AtomicFile(const std::string& target, bool replace)
         throw ToolError(kNotAllowed, fmt::format("{} exists already; --force replaces it", name_));
     }
     if (std::filesystem::is_directory(target_, ignored)) fail("is a directory");
+    if (const auto canonical = std::filesystem::canonical(target_, ignored); !ignored) target_ = canonical;
     constexpr int kAttempts = 16;
     std::random_device random;
     for (int i = 0; i < kAttempts && !file_; ++i) {
@@ -95,9 +96,21 @@ void AtomicFile::patch(std::uint64_t offset, const void* bytes, std::size_t coun
     seek(position_);
 }
 
+std::string AtomicFile::flush() {
+    if (std::fflush(file_.get()) != 0) fail("cannot be written");
+    const std::u8string name = path_.u8string();
+    return std::string(name.begin(), name.end());
+}
+
 void AtomicFile::commit() {
     if (!toDisk(file_.get())) fail("cannot be written");
     std::error_code error;
+    if (replace_ && std::filesystem::exists(target_, error)) {
+        // Who may read and write the file stays as it was.
+        const std::filesystem::perms rights = std::filesystem::status(target_, error).permissions();
+        std::filesystem::permissions(path_, rights, error);
+        error.clear();
+    }
     if (!replace_) {
         // A target that has come up in the meantime is not to be lost: linking refuses where renaming would
         // not.

@@ -13,7 +13,7 @@ namespace Ketra::Tool {
 /// ToolError when something cannot be written; without commit() nothing remains.
 class AtomicFile {
 public:
-    /// An existing target is refused unless it may be replaced.
+    /// An existing target is refused unless it may be replaced. A link stays, and what it names is replaced.
     AtomicFile(const std::string& target, bool replace);
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -22,6 +22,8 @@ public:
     void write(const void* bytes, std::size_t count);
     void patch(std::uint64_t offset, const void* bytes, std::size_t count); ///< what was written before
     std::uint64_t position() const { return position_; }
+    /// What was written can now be read under this name (UTF-8).
+    std::string flush();
     void commit();
 
 private:

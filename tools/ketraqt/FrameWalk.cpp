@@ -7,11 +7,20 @@
 #include <qt/QTAtoms/samples/STSZ.h>
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 
 namespace Ketra::Tool {
 
 using QT::fourCC;
+
+Ticks ticksOf(const QT::QTFrame& frame, unsigned int scale) {
+    const auto ticks = [scale](double seconds) {
+        const double value = seconds * scale;
+        return std::abs(value) < 0x1p62 ? std::llround(value) : 0;
+    };
+    return {ticks(frame.getDecodeTime()), ticks(frame.getTime()), ticks(frame.getDuration())};
+}
 
 FrameWalk::FrameWalk(QT::QTTrack& track) : track_(track), chunk_(track.getChunk()) {
     if (!chunk_) throw ToolError(kMalformed, fmt::format("track {} has no sample tables", track.getID()));

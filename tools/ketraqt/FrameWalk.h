@@ -18,6 +18,15 @@ struct FramePlace {
     unsigned int missing = 0; ///< how many of them the file does not have
 };
 
+/// A frame's times in ticks of the media time scale. A time in seconds is ticks / scale, rounded once, so
+/// that rounding its product with the scale gives the ticks back.
+struct Ticks {
+    std::int64_t decode;
+    std::int64_t presentation;
+    std::int64_t duration;
+};
+Ticks ticksOf(const QT::QTFrame& frame, unsigned int scale);
+
 /// Goes by the sample tables alone: no edit list is applied.
 class FrameWalk {
 public:

@@ -2,38 +2,13 @@
 #include "FrameWalk.h"
 #include "InfoTrack.h"
 #include "UserText.h"
+#include "remux/TimecodeText.h"
 
 #include <base/CException.h>
 
 #include <algorithm>
-#include <fmt/format.h>
 
 namespace Ketra::Tool {
-
-namespace {
-
-/// Drop-frame counting leaves out numbers at the start of each minute but every tenth, so that 29.97 frames a
-/// second keep step with the clock.
-std::uint64_t withDroppedNumbers(std::uint64_t frame, unsigned int perSecond) {
-    const std::uint64_t dropped = perSecond / 15;
-    const std::uint64_t perMinute = perSecond * 60ULL - dropped;
-    const std::uint64_t perTenMinutes = perSecond * 600ULL - dropped * 9;
-    if (dropped == 0) return frame;
-    const std::uint64_t tens = frame / perTenMinutes;
-    const std::uint64_t rest = frame % perTenMinutes;
-    const std::uint64_t minutes = rest < perSecond * 60ULL ? 0 : (rest - dropped) / perMinute;
-    return frame + dropped * (tens * 9 + minutes);
-}
-
-std::string timecodeText(std::int64_t frame, unsigned int perSecond, bool dropFrame) {
-    auto number = static_cast<std::uint64_t>(frame < 0 ? -frame : frame);
-    if (dropFrame) number = withDroppedNumbers(number, perSecond);
-    const std::uint64_t seconds = number / perSecond;
-    return fmt::format("{}{:02}:{:02}:{:02}{}{:02}", frame < 0 ? "-" : "", seconds / 3600, seconds / 60 % 60,
-                       seconds % 60, dropFrame ? ';' : ':', number % perSecond);
-}
-
-} // namespace
 
 Json chaptersJson(QT::QTTrack& track) {
     Json chapters = Json::array();

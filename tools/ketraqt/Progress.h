@@ -9,7 +9,9 @@ namespace Ketra::Tool {
 /// Silent unless standard error is a terminal that the data does not go to as well, and for the first second.
 class Progress {
 public:
-    explicit Progress(std::uint64_t total);
+    enum Unit { kSteps, kBytes }; ///< of bytes, rate and time left are shown, too
+
+    explicit Progress(std::uint64_t total, Unit unit = kSteps);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress(); ///< clears its line
@@ -19,10 +21,14 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    void show(std::uint64_t done, Clock::time_point now);
+
     std::uint64_t total_;
+    Unit unit_;
     bool wanted_;
     bool shown_ = false;
     unsigned int calls_ = 0;
+    Clock::time_point start_;
     Clock::time_point next_;
 };
 

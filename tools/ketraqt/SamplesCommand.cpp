@@ -6,7 +6,6 @@
 #include "Text.h"
 #include "ToolError.h"
 
-#include <cmath>
 #include <fmt/format.h>
 #include <iterator>
 #include <limits>
@@ -14,22 +13,6 @@
 namespace Ketra::Tool {
 
 namespace {
-
-/// A frame's times in ticks of the media time scale. A time in seconds is ticks / scale, rounded once, so
-/// that rounding its product with the scale gives the ticks back.
-struct Ticks {
-    std::int64_t decode;
-    std::int64_t presentation;
-    std::int64_t duration;
-};
-
-Ticks ticksOf(const QT::QTFrame& frame, unsigned int scale) {
-    const auto ticks = [scale](double seconds) {
-        const double value = seconds * scale;
-        return std::abs(value) < 0x1p62 ? std::llround(value) : 0;
-    };
-    return {ticks(frame.getDecodeTime()), ticks(frame.getTime()), ticks(frame.getDuration())};
-}
 
 double seconds(std::int64_t ticks, unsigned int scale) {
     return scale ? static_cast<double>(ticks) / scale : 0.0;

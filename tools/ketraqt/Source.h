@@ -19,8 +19,8 @@ class SourceStream : public QT::QTCMStream {
 public:
     using QTCMStream::QTCMStream;
 
-    /// From now on reading succeeds without reading anything.
-    void leaveMediaOut() { mediaLeftOut_ = true; }
+    /// Until it is taken back, reading succeeds without reading anything.
+    void leaveMediaOut(bool out) { mediaLeftOut_ = out; }
 
     std::int64_t read(unsigned char* buffer, std::int64_t length) override;
     std::int64_t size() override;
@@ -35,7 +35,7 @@ public:
     explicit Source(const std::string& path);
 
     QT::QTStream& stream() { return stream_; }
-    void leaveMediaOut() { stream_.leaveMediaOut(); }
+    void leaveMediaOut(bool out = true) { stream_.leaveMediaOut(out); }
     std::uint64_t fileSize() const { return fileSize_; }
 
 private:

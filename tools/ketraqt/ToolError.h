@@ -12,7 +12,10 @@ enum ExitCode : int {
     kUsage = 2,      ///< the command line, or what it asks of the file, makes no sense
     kCannotRead = 3, ///< a file cannot be opened, read or written
     kMalformed = 4,  ///< not a movie, or a damaged one
-    kNotAllowed = 5  ///< the file does not let itself be changed like that, or the output exists
+    kNotAllowed =
+        5, ///< media that has no place there, a change that the file does not take, an output that exists
+    kUnverified = 7, ///< what was written reads back differently
+    kInterrupted = 130
 };
 
 /// The text says what is wrong; main() puts program and file in front of it.

@@ -21,9 +21,9 @@ struct NewTrack {
     Ketra::QT::QTAtom* at(std::initializer_list<const char*> path) const {
         Ketra::QT::QTAtom* atom = trak.get();
         for (const char* step : path) {
-            const unsigned int type = static_cast<unsigned int>(step[0]) << 24 |
-                                      static_cast<unsigned int>(step[1]) << 16 |
-                                      static_cast<unsigned int>(step[2]) << 8 | static_cast<unsigned int>(step[3]);
+            const unsigned int type =
+                static_cast<unsigned int>(step[0]) << 24 | static_cast<unsigned int>(step[1]) << 16 |
+                static_cast<unsigned int>(step[2]) << 8 | static_cast<unsigned int>(step[3]);
             atom = atom ? atom->getAtomOfType(type) : nullptr;
         }
         return atom;
@@ -69,8 +69,8 @@ struct NewTrack {
 
 /// A frame of so many bytes of one value; times in seconds.
 inline std::unique_ptr<Ketra::QT::QTFrame> frameOf(unsigned int length, unsigned char fill, double time,
-                                                   double duration, double decodeTime, unsigned int samples = 0,
-                                                   bool alpha = false) {
+                                                   double duration, double decodeTime,
+                                                   unsigned int samples = 0, bool alpha = false) {
     auto* bytes = static_cast<unsigned char*>(std::malloc(length ? length : 1));
     std::memset(bytes, fill, length);
     auto frame = std::make_unique<Ketra::QT::QTFrame>(length, bytes, time, duration, false, samples,

@@ -119,7 +119,8 @@ TEST(CreatedTrack, HasTheWholeTreeOfItsMedium) {
          }) {
         SCOPED_TRACE(std::string(t.type) + " " + code(t.flavour));
         const Bytes type = text(t.type);
-        const unsigned int medium = static_cast<unsigned int>(type[0] << 24 | type[1] << 16 | type[2] << 8 | type[3]);
+        const unsigned int medium =
+            static_cast<unsigned int>(type[0] << 24 | type[1] << 16 | type[2] << 8 | type[3]);
         const NewTrack track(medium, t.flavour);
         EXPECT_EQ(childTypes(track.trak.get()), t.trak);
         EXPECT_EQ(childTypes(track.at({"mdia"})), "mdhdhdlrminf");

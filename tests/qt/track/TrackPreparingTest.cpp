@@ -91,8 +91,9 @@ TEST(Preparing, NamesTheDataHandlerOfQuickTime) {
     auto& handler = dynamic_cast<HDLR&>(*track.at({"mdia", "minf", "hdlr"}));
     EXPECT_EQ(handler.getComponentType(), fourCC("dhlr"));
     EXPECT_EQ(handler.getComponentSubType(), fourCC("alis"));
-    EXPECT_EQ(take(handler.serialize()), hex({"0000003A 'hdlr' 00000000 'dhlr' 'alis' 00000000 00000000 00000000",
-                                              "19 'Apple Alias Data Handler' 00"}));
+    EXPECT_EQ(take(handler.serialize()),
+              hex({"0000003A 'hdlr' 00000000 'dhlr' 'alis' 00000000 00000000 00000000",
+                   "19 'Apple Alias Data Handler' 00"}));
     EXPECT_EQ(track->getAtomDataHandlerNameSize(), 25U);
 }
 
@@ -110,8 +111,9 @@ TEST(HandlerName, IsCountedOrEndsInAZero) {
     EXPECT_EQ(handler.setComponentName("Apple Video Media Handler", 25, true), 0);
     EXPECT_EQ(handler.getSize(), 59U);
     EXPECT_TRUE(handler.getIsPascalString());
-    EXPECT_EQ(take(handler.serialize()), hex({"0000003B 'hdlr' 00000000 00000000 'vide' 00000000 00000000 00000000",
-                                              "1A 'Apple Video Media Handler' 00"}));
+    EXPECT_EQ(take(handler.serialize()),
+              hex({"0000003B 'hdlr' 00000000 00000000 'vide' 00000000 00000000 00000000",
+                   "1A 'Apple Video Media Handler' 00"}));
     EXPECT_EQ(handler.setComponentName("abc", 3, false), 0);
     EXPECT_EQ(handler.getSize(), 36U); // 59 + 3 - 26
     EXPECT_EQ(take(handler.serialize()),
