@@ -4,6 +4,7 @@
 #include "ToolError.h"
 #include "remux/Descriptions.h"
 #include "remux/RawAtom.h"
+#include "remux/TablePackets.h"
 #include "remux/UserData.h"
 
 #include <qt/QTAtoms.h>
@@ -53,9 +54,9 @@ bool mediaKindOf(QT::QTTrack& track, MediaKind& kind) {
         kind = MediaKind::kVideo;
     } else if (type == fourCC("audi")) {
         kind = MediaKind::kSound;
-    } else if (type == fourCC("text") || subType == fourCC("text") || subType == fourCC("sbtl")) {
+    } else if (subType == fourCC("text") || subType == fourCC("sbtl")) {
         kind = MediaKind::kText;
-    } else if (type == fourCC("tmcd") || subType == fourCC("tmcd")) {
+    } else if (subType == fourCC("tmcd")) {
         kind = MediaKind::kTimecode;
     } else {
         return false;
@@ -70,7 +71,7 @@ Atom* CopiedTrack::table(const QT::QTTrack& track, unsigned int type) const {
 
 CopiedTrack::CopiedTrack(QT::QTTrack& track, MediaKind kind, QT::QTStream& stream, bool fromQuickTime)
     : source_(track), kind_(kind), stream_(stream), fromQuickTime_(fromQuickTime),
-      hasSync_(table<QT::STSS>(track, fourCC("stss")) != nullptr),
+      byTables_(wantsTables(track)), hasSync_(table<QT::STSS>(track, fourCC("stss")) != nullptr),
       hasOffsets_(table<QT::CTTS>(track, fourCC("ctts")) != nullptr) {
     if (const auto* offsets = table<QT::CTTS>(track, fourCC("ctts"))) {
         for (const QT::CTTSData* entry : offsets->getCompositionTimeTable()) {
@@ -86,8 +87,11 @@ CopiedTrack::CopiedTrack(QT::QTTrack& track, MediaKind kind, QT::QTStream& strea
     }
 }
 
-std::unique_ptr<PacketSource> CopiedTrack::packets(double longest) {
-    return std::make_unique<FramePackets>(source_, longest);
+std::unique_ptr<PacketSource> CopiedTrack::packets(double longest) { return packetsOf(source_, longest); }
+
+std::unique_ptr<PacketSource> CopiedTrack::packetsOf(QT::QTTrack& written, double longest) const {
+    if (byTables_) return std::make_unique<TablePackets>(written, longest);
+    return std::make_unique<FramePackets>(written, longest);
 }
 
 std::uint64_t CopiedTrack::bytes() const {
@@ -140,10 +144,8 @@ void CopiedTrack::settle(QT::QTTrack& track, Removed& removed) {
     if (edits_.empty()) dropEdits(track, removed);
     settleHeader(track);
     settleTables(track, removed);
-    if (grouped_) {
-        settleDurations(track);
-        settleSizes(track);
-    }
+    if (grouped_) settleDurations(track);
+    if (grouped_ || byTables_) settleSizes(track);
     carryUserData(stream_, *source_.getTrak(), *track.getTrak());
     track.initAtoms();
 }
@@ -198,12 +200,18 @@ void CopiedTrack::settleDurations(QT::QTTrack& track) {
     }
 }
 
-/// One size for all stored samples, as the source has it; plain PCM has been given its own.
+/// Sizes as the source has them, for what its tables tell; plain PCM has been given its own.
 void CopiedTrack::settleSizes(QT::QTTrack& track) {
     const auto* from = table<QT::STSZ>(source_, fourCC("stsz"));
     auto* to = table<QT::STSZ>(track, fourCC("stsz"));
-    if (!from || !to || from->getSampleSize() == 0 || to->getSampleSize() != 0) return;
-    to->setSampleSizeTable({});
+    if (!from || !to || (!byTables_ && to->getSampleSize() != 0)) return;
+    std::vector<QT::STSZData*> copies;
+    if (from->getSampleSize() == 0) {
+        for (const QT::STSZData* entry : from->getSampleSizeTable()) {
+            if (copies.size() < stored_) copies.push_back(new QT::STSZData(entry->getSize()));
+        }
+    }
+    to->setSampleSizeTable(copies);
     to->setSampleSize(from->getSampleSize());
     to->setNumberOfEntries(static_cast<unsigned int>(stored_));
 }

@@ -21,6 +21,7 @@ public:
     unsigned int timeScale() const override { return source_.getAtomMediaTimeScale(); }
     unsigned int sourceID() const override { return source_.getID(); }
     std::unique_ptr<PacketSource> packets(double longest) override;
+    std::unique_ptr<PacketSource> packetsOf(QT::QTTrack& written, double longest) const override;
     std::uint64_t bytes() const override;
     void configure(QT::QTTrack& track) override;
     void add(QT::QTTrack& track, Packet& packet) override;
@@ -41,6 +42,7 @@ private:
     MediaKind kind_;
     QT::QTStream& stream_;
     bool fromQuickTime_;
+    bool byTables_;
     bool hasSync_;
     bool hasOffsets_;
     bool grouped_ = false; // packets of more than one stored sample

@@ -8,6 +8,10 @@ TrackInput::~TrackInput() = default;
 
 void TrackInput::add(QT::QTTrack& track, Packet& packet) { track.addSample(packet.frame.get()); }
 
+std::unique_ptr<PacketSource> TrackInput::packetsOf(QT::QTTrack& written, double longest) const {
+    return std::make_unique<FramePackets>(written, longest);
+}
+
 void TrackInput::beforePreparing(QT::QTTrack&) {}
 
 unsigned int trackType(MediaKind kind) {

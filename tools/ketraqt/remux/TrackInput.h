@@ -24,6 +24,8 @@ public:
     virtual unsigned int sourceID() const { return 0; } ///< ID of the track that is read; 0: a new one
     /// All packets from the first on, those of sound cut to `longest` seconds.
     virtual std::unique_ptr<PacketSource> packets(double longest) = 0;
+    /// Reads what was written of it in the same way.
+    virtual std::unique_ptr<PacketSource> packetsOf(QT::QTTrack& written, double longest) const;
     virtual std::uint64_t bytes() const = 0; ///< of all packets, as far as it is known
 
     virtual void configure(QT::QTTrack& track) = 0; ///< before the first sample

@@ -128,7 +128,7 @@ void compareTracks(Plan& plan, Source& written, Progress& progress, std::uint64_
         Comparison comparison(track.getID(), progress, done);
         const bool grouped = isGrouped(input); // packets of one track are read one at a time
         auto expected = input.packets(kWhole);
-        auto found = std::make_unique<FramePackets>(track, kWhole);
+        auto found = input.packetsOf(track, kWhole);
         if (grouped) {
             comparison.compareStreams(std::move(expected), std::move(found));
         } else {
