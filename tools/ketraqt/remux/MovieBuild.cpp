@@ -9,6 +9,7 @@
 #include <qt/QTAtoms.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace Ketra::Tool {
 
@@ -16,25 +17,26 @@ using QT::fourCC;
 
 namespace {
 
+template <class Reference>
+std::unique_ptr<QT::TrackReference> make(unsigned int id) {
+    return std::make_unique<Reference>(id);
+}
+
+struct ReferenceType {
+    unsigned int type;
+    std::unique_ptr<QT::TrackReference> (*make)(unsigned int id);
+};
+
+constexpr ReferenceType kReferences[] = {
+    {fourCC("tmcd"), make<QT::TMCD>}, {fourCC("chap"), make<QT::CHAP>}, {fourCC("sync"), make<QT::SYNC>},
+    {fourCC("scpt"), make<QT::SCPT>}, {fourCC("ssrc"), make<QT::SSRC>}, {fourCC("dpnd"), make<QT::DPND>},
+    {fourCC("ipir"), make<QT::IPIR>},
+};
+
 std::unique_ptr<QT::TrackReference> makeReference(unsigned int type, unsigned int id) {
-    switch (type) {
-    case fourCC("tmcd"):
-        return std::make_unique<QT::TMCD>(id);
-    case fourCC("chap"):
-        return std::make_unique<QT::CHAP>(id);
-    case fourCC("sync"):
-        return std::make_unique<QT::SYNC>(id);
-    case fourCC("scpt"):
-        return std::make_unique<QT::SCPT>(id);
-    case fourCC("ssrc"):
-        return std::make_unique<QT::SSRC>(id);
-    case fourCC("dpnd"):
-        return std::make_unique<QT::DPND>(id);
-    case fourCC("ipir"):
-        return std::make_unique<QT::IPIR>(id);
-    default:
-        return nullptr;
-    }
+    const auto* row = std::find_if(std::begin(kReferences), std::end(kReferences),
+                                   [type](const ReferenceType& r) { return r.type == type; });
+    return row == std::end(kReferences) ? nullptr : row->make(id);
 }
 
 } // namespace
