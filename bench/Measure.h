@@ -99,4 +99,14 @@ inline void printRead(const char* measure, const char* file, double seconds, con
                 s.touch, s.dts, s.cts, s.keys, s.errors);
 }
 
+inline void printWrite(double seconds, double closing, const Memory& before, const Memory& after,
+                       std::uint64_t count) {
+    const double peak = static_cast<double>(after.peakKb - before.residentKb) * 1024;
+    std::printf("{\"peer\":\"ketraqt\",\"measure\":\"write\",\"n\":%" PRIu64
+                ",\"seconds\":%.6f,\"close_seconds\":%.6f,\"per_s\":%.0f,\"peak_kb\":%ld,"
+                "\"peak_per_sample\":%.2f}\n",
+                count, seconds, closing, static_cast<double>(count) / seconds,
+                after.peakKb - before.residentKb, peak / static_cast<double>(count));
+}
+
 } // namespace measure

@@ -1,7 +1,9 @@
 // One measure of the library over one movie in a process of its own, as one JSON line:
 //   bench_ketraqt open|seqread|seektime|seeknum FILE
+//   bench_ketraqt write FILE COUNT
 #include "Measure.h"
 #include "OpenMovie.h"
+#include "WriteMovie.h"
 
 #include <base/CException.h>
 
@@ -94,6 +96,16 @@ void doSeekNumber(const char* file) {
     printRead("seeknum", file, now() - start, sum);
 }
 
+void doWrite(const char* file, std::uint32_t count) {
+    const Payloads samples(count);
+    const Memory before = memory();
+    resetPeak();
+    const double start = now();
+    const double closing = writeMovie(file, samples, count);
+    const double end = now();
+    printWrite(end - start, end - closing, before, memory(), count);
+}
+
 int run(const std::string& measure, const char* file) {
     if (measure == "open") {
         doOpen(file);
@@ -112,11 +124,15 @@ int run(const std::string& measure, const char* file) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fputs("usage: bench_ketraqt open|seqread|seektime|seeknum FILE\n", stderr);
+    const bool write = argc == 4 && std::string(argv[1]) == "write";
+    if (argc != 3 && !write) {
+        std::fputs("usage: bench_ketraqt open|seqread|seektime|seeknum FILE\n"
+                   "       bench_ketraqt write FILE COUNT\n",
+                   stderr);
         return 2;
     }
     try {
+        if (write) return doWrite(argv[2], static_cast<std::uint32_t>(std::strtoul(argv[3], nullptr, 10))), 0;
         return run(argv[1], argv[2]);
     } catch (const Ketra::CException& e) {
         std::fprintf(stderr, "%s: %s\n", argv[2], e.what());

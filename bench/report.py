@@ -107,6 +107,12 @@ def job_list(tools, files):
         if "bench_libav" in tools and samples <= MAIN:
             for name in ("open", "seqread", "seektime"):
                 jobs["libav", name, samples] = [tools["bench_libav"], name, path]
+    out = DATA / "written.mp4"
+    for samples in SIZES:
+        jobs["ketraqt", "write", samples] = [ketra, "write", out, samples]
+        for name in ("limit", "libav"):
+            if f"bench_{name}" in tools:
+                jobs[name, "write", samples] = [tools[f"bench_{name}"], "write", out, samples]
     return jobs
 
 
@@ -148,6 +154,13 @@ def check_speed(goals, medians):
           "per_s", 12, False)
     ratio("seek by time and read, rate over the reference's", ("ketraqt", "seektime", MAIN),
           ("limit", "seektime", MAIN), "per_s", 0.25, False)
+    ratio("write 1 M video samples, rate over libavformat's", ("ketraqt", "write", MAIN), ("libav", "write", MAIN),
+          "per_s", 1.3, False)
+    peak = field("ketraqt", "write", MAIN, "peak_per_sample")
+    if peak is not None:
+        goals.check("write, peak memory", peak, 24, True, " bytes a sample")
+    ratio("write, cost of a sample of 4 M over that of 1 M", ("ketraqt", "write", MAIN),
+          ("ketraqt", "write", SIZES[2]), "per_s", 1.3, True)
     ratio("seek by time, 4 M samples over 100 k", ("ketraqt", "seektime", SIZES[2]), ("ketraqt", "seektime", SIZES[0]),
           "seconds", 2, True)
 

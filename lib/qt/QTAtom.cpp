@@ -4,6 +4,7 @@
 #include <qt/wire/Block.h>
 #include <qt/wire/Frames.h>
 #include <qt/wire/Oddities.h>
+#include <qt/wire/Padding.h>
 
 #include <algorithm>
 #include <ctime>
@@ -128,13 +129,23 @@ QTFrame* QTAtom::serialize() {
 }
 
 QTFrame* QTAtom::serializeContainer() {
+    return wire::frameOf([this](wire::Output& out) { return writeContainer(out); });
+}
+
+bool QTAtom::writeContainer(wire::Output& out) {
     const std::uint64_t counted = updateSize();
-    wire::FrameList frames;
-    frames.reserve(children_.size());
+    const std::uint64_t begin = out.size();
+    if (wire::crediblePadding(*this, counted, 0)) out.reserve(counted);
+    if (!out.extend(kPlainHeader)) return false;
     for (QTAtom* child : children_) {
-        if (QTFrame* frame = child->serialize()) frames.emplace_back(frame);
+        child->serializeInto(out);
     }
-    return wire::joinFrames(*this, counted, frames);
+    return wire::finishContainer(*this, out, begin, counted);
+}
+
+bool QTAtom::serializeInto(wire::Output& out) {
+    const std::unique_ptr<QTFrame> frame(serialize());
+    return frame && out.append(frame->getData(), frame->getDataLength());
 }
 
 QTAtom* QTAtom::getAtomOfType(unsigned int type) const {

@@ -109,6 +109,7 @@ private:
         ~Collected();
         std::uint64_t size() const { return size_; }
         bool append(const unsigned char* bytes, std::uint64_t count); // null bytes: zeros
+        void expect(std::uint64_t size);                              // so many bytes will probably come
         unsigned char* release();
         void clear();
 

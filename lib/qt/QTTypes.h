@@ -31,6 +31,7 @@ constexpr unsigned int fourCC(const char (&text)[5]) {
 namespace wire {
 struct Access;
 class Block;
+class Output;
 template <class Layout>
 class EntryTable;
 template <class T>

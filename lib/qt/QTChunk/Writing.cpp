@@ -67,6 +67,14 @@ bool QTChunk::Collected::append(const unsigned char* bytes, std::uint64_t count)
     return true;
 }
 
+void QTChunk::Collected::expect(std::uint64_t size) {
+    constexpr std::uint64_t kMost = 1 << 20; // a guess may be wrong
+    const std::uint64_t room = std::min(size, kMost);
+    if (data_ || room == 0) return;
+    data_ = wire::allocateRaw(room).release();
+    room_ = data_ ? room : 0;
+}
+
 unsigned char* QTChunk::Collected::release() {
     // What was reserved beyond the chunk goes back before the block leaves.
     if (size_ && size_ < room_) {
@@ -126,7 +134,7 @@ int QTChunk::addSamplesToChunk(const std::vector<QTFrame*>& frames) {
 QTFrame* QTChunk::closeChunk(std::uint64_t offset) {
     const std::uint64_t size = collected_.size();
     if (size > kMaxChunk) return nullptr;
-    if (stco_) stco_->addChunkOffset(new STCOData(offset));
+    if (stco_) Access::appendOffset(*stco_, offset);
     append(stsc_, wire::ChunkRun{chunkNr_, chunkSamples_, 1, 0}, 12);
     wire::MallocPtr bytes(collected_.release());
     auto* frame = new QTFrame(static_cast<unsigned int>(size), bytes.get(), 0, 0, false, 1, 0, 0, false);

@@ -168,7 +168,8 @@ QTFrame* QTTrack::saveChunk(std::uint64_t offset) {
     chunkFull_ = false;
     if (!chunk_->hasFrames_) return new QTFrame; // nothing was collected, and nothing is recorded
     std::unique_ptr<QTFrame> bytes(chunk_->closeChunk(offset));
-    if (bytes) beginChunk();
+    // Chunks are mostly alike: with this one's room and a little more the next one need not grow.
+    if (bytes && beginChunk()) chunk_->collected_.expect(bytes->getDataLength() + bytes->getDataLength() / 8);
     return bytes.release();
 }
 

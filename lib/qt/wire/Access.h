@@ -19,6 +19,7 @@ struct Access {
     static void setSize(QTAtom& atom, std::uint64_t size) { atom.size_ = size; }
     static void setType(QTAtom& atom, unsigned int type) { atom.type_ = type; }
     static void setContainer(QTAtom& atom) { atom.container_ = true; }
+    static bool serializeInto(QTAtom& atom, Output& out) { return atom.serializeInto(out); }
     static bool runsToEnd(const QTAtom& atom) { return atom.toEnd_; }
     /// Keeps payload bytes in the base: it then writes them back.
     static void keepPayload(QTAtom& atom, MallocPtr data, std::uint64_t length) {
@@ -48,6 +49,12 @@ struct Access {
                                              frames.end();
                                   }),
                    list.end());
+    }
+
+    /// addChunkOffset() without an object.
+    template <class Offsets>
+    static void appendOffset(Offsets& offsets, std::uint64_t offset) {
+        offsets.append(offset);
     }
 
     // --- frames

@@ -22,14 +22,16 @@
 namespace Ketra::QT::wire {
 
 /// Entries of a fixed width in file order and file byte order. A Layout names one entry: its `Value`, its
-/// `width`, read() and write().
+/// `width`, read() and write(). Entries pushed at the end that repeat the last one are only counted: a movie
+/// being written adds the same duration a million times.
 template <class Layout>
 class PackedArray {
 public:
     using Value = typename Layout::Value;
 
     PackedArray() = default;
-    PackedArray(const PackedArray& other) : first_(0), count_(other.count_), room_(other.count_) {
+    PackedArray(const PackedArray& other)
+        : first_(0), count_(other.count_), repeats_(other.repeats_), room_(other.count_) {
         block_ = allocateRaw(count_ * Layout::width);
         if (!block_) throw std::bad_alloc();
         if (count_) std::memcpy(block_.get(), other.data(), static_cast<std::size_t>(count_ * Layout::width));
@@ -42,9 +44,8 @@ public:
     ~PackedArray() = default;
 
     static constexpr unsigned int width() { return Layout::width; }
-    std::uint64_t size() const { return count_; }
-    const unsigned char* data() const { return block_.get() + first_; }
-    Value at(std::uint64_t i) const { return Layout::read(data() + i * Layout::width); }
+    std::uint64_t size() const { return count_ + repeats_; }
+    Value at(std::uint64_t i) const { return Layout::read(data() + std::min(i, count_ - 1) * Layout::width); }
 
     /// Takes over the payload block (or, when the reader does not own it, copies) from byte `first` on.
     void adopt(Payload& payload, const unsigned char* bytes, std::uint64_t first, std::uint64_t count) {
@@ -58,15 +59,30 @@ public:
             first_ = 0;
         }
         count_ = count;
+        repeats_ = 0;
         room_ = count;
     }
     void push(const Value& value) {
-        if (count_ == room_) grow();
-        Layout::write(block_.get() + first_ + count_ * Layout::width, value);
-        ++count_;
+        unsigned char bytes[Layout::width];
+        Layout::write(bytes, value);
+        if (count_ && std::memcmp(bytes, data() + (count_ - 1) * Layout::width, Layout::width) == 0) {
+            ++repeats_;
+            return;
+        }
+        if (repeats_) writeRepeats();
+        add(bytes);
     }
-    void truncate(std::uint64_t count) { count_ = std::min(count_, count); }
+    /// Drops all behind the first `count`, and the room they took when it was much.
+    void truncate(std::uint64_t count) {
+        repeats_ = count > count_ ? std::min(repeats_, count - count_) : 0;
+        count_ = std::min(count_, count);
+        if (count_ >= room_ - room_ / 4) return;
+        // A block of its own: what a shrunken one leaves behind it is of little use to anybody.
+        PackedArray exact(*this);
+        swap(exact);
+    }
     void set(std::uint64_t i, const Value& value) {
+        if (repeats_ && i + 1 >= count_) writeRepeats();
         Layout::write(block_.get() + first_ + i * Layout::width, value);
     }
     void clear() { *this = PackedArray(); }
@@ -76,10 +92,24 @@ private:
         std::swap(block_, other.block_);
         std::swap(first_, other.first_);
         std::swap(count_, other.count_);
+        std::swap(repeats_, other.repeats_);
         std::swap(room_, other.room_);
     }
-    void grow() {
-        const std::uint64_t room = std::max<std::uint64_t>(64, count_ + count_ / 2);
+    const unsigned char* data() const { return block_.get() + first_; }
+    void add(const unsigned char* bytes) {
+        if (count_ == room_) grow(std::max<std::uint64_t>(64, count_ + count_ / 2));
+        std::memcpy(block_.get() + first_ + count_ * Layout::width, bytes, Layout::width);
+        ++count_;
+    }
+    void writeRepeats() {
+        unsigned char bytes[Layout::width];
+        std::memcpy(bytes, data() + (count_ - 1) * Layout::width, Layout::width);
+        if (count_ + repeats_ > room_) grow(count_ + repeats_ + (count_ + repeats_) / 2);
+        for (; repeats_; --repeats_) {
+            add(bytes);
+        }
+    }
+    void grow(std::uint64_t room) {
         auto* block = static_cast<unsigned char*>(
             std::realloc(block_.get(), static_cast<std::size_t>(first_ + room * Layout::width)));
         if (!block) throw std::bad_alloc();
@@ -91,6 +121,7 @@ private:
     MallocPtr block_;
     std::uint64_t first_ = 0; // byte of the block at which the entries begin
     std::uint64_t count_ = 0;
+    std::uint64_t repeats_ = 0; // of the last entry, behind it
     std::uint64_t room_ = 0;
 };
 
@@ -196,14 +227,18 @@ public:
             if (asObjects_) objects_[static_cast<std::size_t>(kept)] = objects_[static_cast<std::size_t>(i)];
             last = next;
         }
-        put(kept++, last);
         if (asObjects_) {
-            objects_.resize(static_cast<std::size_t>(kept));
-        } else if (kept != count) {
-            store_.truncate(kept);
-            ++generation_;
+            put(kept, last);
+            objects_.resize(static_cast<std::size_t>(kept + 1));
+        } else {
+            if (kept + 1 != count) ++generation_;
+            store_.truncate(kept + 1);
+            store_.set(kept, last);
         }
+        mergedAt_ = generation_;
     }
+    /// Nothing has changed since the neighbours were merged.
+    bool merged() const { return !asObjects_ && mergedAt_ == generation_; }
     /// Used by the reader: takes as many whole entries as lie within the delivered bytes; returns their
     /// bytes.
     std::uint64_t adoptPacked(Payload& payload, const unsigned char* bytes, std::uint64_t first,
@@ -296,6 +331,7 @@ private:
     mutable std::vector<Record*> objects_;
     mutable bool asObjects_ = false;
     unsigned int generation_ = 0;
+    unsigned int mergedAt_ = ~0U; // the generation whose neighbours were merged
 };
 
 } // namespace Ketra::QT::wire

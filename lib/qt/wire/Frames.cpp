@@ -13,41 +13,39 @@ namespace {
 
 constexpr std::uint64_t kHeader = 8;
 
-QTFrame* join(const QTAtom& atom, std::uint64_t headerSize, std::uint64_t atLeast, const FrameList& pieces) {
-    std::uint64_t used = headerSize;
-    for (const auto& piece : pieces) {
-        used += piece->getDataLength();
-    }
-    const std::uint64_t length = std::max(atLeast, used);
-    if (length > std::numeric_limits<unsigned int>::max() || !crediblePadding(atom, length, used))
-        return nullptr;
-    MallocPtr block = allocate(length);
-    if (!block) return nullptr;
-    unsigned char* at = block.get();
-    if (headerSize) {
-        store32(at, length);
-        store32(at + 4, atom.getType());
-        at += headerSize;
-    }
-    for (const auto& piece : pieces) {
-        if (piece->getData()) std::memcpy(at, piece->getData(), piece->getDataLength());
-        at += piece->getDataLength();
-    }
-    if (length - used >= kHeader) {
-        store32(at, length - used);
-        store32(at + 4, fourCC("free"));
-    }
-    return makeFrame(static_cast<unsigned int>(length), std::move(block));
-}
+constexpr std::uint64_t kMostBytes = std::numeric_limits<unsigned int>::max();
 
 } // namespace
 
-QTFrame* joinHeaderless(const QTAtom& atom, std::uint64_t atLeast, const FrameList& pieces) {
-    return join(atom, 0, atLeast, pieces);
+bool fillUp(const QTAtom& atom, Output& out, std::uint64_t begin, std::uint64_t atLeast) {
+    const std::uint64_t used = out.size() - begin;
+    const std::uint64_t length = std::max(atLeast, used);
+    if (length > kMostBytes || !crediblePadding(atom, length, used) || !out.extend(length - used)) {
+        out.rollBack(begin);
+        return false;
+    }
+    if (length - used >= kHeader) {
+        store32(out.at(begin + used), length - used);
+        store32(out.at(begin + used + 4), fourCC("free"));
+    }
+    return true;
+}
+
+bool finishContainer(const QTAtom& atom, Output& out, std::uint64_t begin, std::uint64_t atLeast) {
+    if (!fillUp(atom, out, begin, atLeast)) return false;
+    store32(out.at(begin), out.size() - begin);
+    store32(out.at(begin + 4), atom.getType());
+    return true;
 }
 
 QTFrame* joinFrames(const QTAtom& atom, std::uint64_t atLeast, const FrameList& pieces) {
-    return join(atom, kHeader, atLeast, pieces);
+    return frameOf([&](Output& out) {
+        if (!out.extend(kHeader)) return false;
+        for (const auto& piece : pieces) {
+            if (!out.append(piece->getData(), piece->getDataLength())) return false;
+        }
+        return finishContainer(atom, out, 0, atLeast);
+    });
 }
 
 } // namespace Ketra::QT::wire

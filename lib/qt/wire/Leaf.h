@@ -2,6 +2,7 @@
 #pragma once
 
 #include <qt/wire/Access.h>
+#include <qt/wire/Output.h>
 #include <qt/wire/Padding.h>
 #include <qt/wire/Reader.h>
 #include <qt/wire/Writer.h>
@@ -35,19 +36,24 @@ std::uint64_t leafBytes(const Atom& atom) {
 /// Writes header and layout under `type`. The block, its size field and the frame are as long as the larger
 /// of the size held (its low 32 bits) and the bytes of the layout; what the layout does not fill is zero.
 template <class Atom>
-QTFrame* writeLeaf(const Atom& atom, unsigned int type) {
+bool writeLeafInto(const Atom& atom, unsigned int type, Output& out) {
     const auto stored = static_cast<unsigned int>(atom.QTAtom::getSize());
     const std::uint64_t used = leafBytes(atom);
     const std::uint64_t length = std::max<std::uint64_t>(stored, used);
     if (length > std::numeric_limits<unsigned int>::max() || !crediblePadding(atom, length, used))
-        return nullptr;
-    MallocPtr block = allocate(length);
-    if (!block) return nullptr;
-    store32(block.get(), length);
-    store32(block.get() + 4, type);
-    Writer out(block.get() + kAtomHeader);
-    Access::layout(atom, out);
-    return makeFrame(static_cast<unsigned int>(length), std::move(block));
+        return false;
+    const std::uint64_t begin = out.size();
+    if (!out.extend(length)) return false;
+    store32(out.at(begin), length);
+    store32(out.at(begin) + 4, type);
+    Writer fields(out.at(begin) + kAtomHeader);
+    Access::layout(atom, fields);
+    return true;
+}
+
+template <class Atom>
+QTFrame* writeLeaf(const Atom& atom, unsigned int type) {
+    return frameOf([&](Output& out) { return writeLeafInto(atom, type, out); });
 }
 
 template <class Atom>

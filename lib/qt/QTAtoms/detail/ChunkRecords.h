@@ -23,8 +23,6 @@ public:
     unsigned int width() const { return isWide_ ? U64::width : U32::width; }
     std::uint64_t size() const { return isWide_ ? wide_.size() : narrow_.size(); }
     Value at(std::uint64_t i) const { return isWide_ ? wide_.at(i) : narrow_.at(i); }
-    /// The entries as they stand in a file, width() bytes each.
-    const unsigned char* data() const { return isWide_ ? wide_.data() : narrow_.data(); }
 
     void widen() {
         if (isWide_) return;

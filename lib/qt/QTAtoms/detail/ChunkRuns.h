@@ -35,10 +35,17 @@ public:
     using Value = ChunkRun;
 
     /// Entries from index `start` up to the next segment's start: the first one and those that follow from
-    /// it.
+    /// it. Chunks that are being written do not count the samples before them: their totals stay.
     struct Segment {
-        std::uint64_t start;
         ChunkRun first;
+        std::uint32_t start;
+        bool totalStays;
+
+        ChunkRun at(std::uint64_t index) const {
+            ChunkRun entry = first.advanced(index - start);
+            if (totalStays) entry.totalBefore = first.totalBefore;
+            return entry;
+        }
     };
 
     std::uint64_t size() const { return size_; }
@@ -90,7 +97,7 @@ inline ChunkRun ChunkRuns::at(std::uint64_t i) const {
         std::upper_bound(segments_.begin(), segments_.end(), i,
                          [](std::uint64_t index, const Segment& segment) { return index < segment.start; });
     const Segment& segment = *(behind - 1);
-    return segment.first.advanced(i - segment.start);
+    return segment.at(i);
 }
 
 inline std::uint64_t ChunkRuns::firstEndingAt(std::uint64_t last) const {
@@ -111,14 +118,19 @@ inline void ChunkRuns::append(const ChunkRun& first, std::uint64_t count) {
     if (count == 0) return;
     bool continues = false;
     if (size_) {
-        const Segment& segment = segments_.back();
-        const ChunkRun previous = segment.first.advanced(size_ - 1 - segment.start);
+        Segment& segment = segments_.back();
+        const bool alone = segment.start + 1 == size_;
+        const ChunkRun previous = segment.at(size_ - 1);
         const ChunkRun next = previous.advanced(1);
-        continues = next.sameSamples(first) && next.firstChunk == first.firstChunk &&
-                    next.totalBefore == first.totalBefore;
+        const bool follows = next.sameSamples(first) && next.firstChunk == first.firstChunk;
+        const bool rises = follows && next.totalBefore == first.totalBefore && !segment.totalStays;
+        const bool stays = follows && previous.totalBefore == first.totalBefore && count == 1 &&
+                           (alone || segment.totalStays);
+        segment.totalStays = segment.totalStays || (stays && !rises);
+        continues = rises || stays;
         wrapped_ = wrapped_ || first.totalBefore < previous.end();
     }
-    if (!continues) segments_.push_back({size_, first});
+    if (!continues) segments_.push_back({first, static_cast<std::uint32_t>(size_), false});
     size_ += count;
     const std::uint64_t room = std::numeric_limits<std::uint32_t>::max() - first.totalBefore;
     wrapped_ = wrapped_ || (first.samplesPerChunk && (count - 1) > room / first.samplesPerChunk);

@@ -9,11 +9,12 @@ namespace Ketra::QT::wire {
 template <class Layout>
 void compactRuns(EntryTable<Layout>& table) {
     if (table.held() == 0) return;
-    table.mergeNeighbours([](Run& last, const Run& next) {
-        if (last.value != next.value) return false;
-        last.count += next.count;
-        return true;
-    });
+    if (!table.merged())
+        table.mergeNeighbours([](Run& last, const Run& next) {
+            if (last.value != next.value) return false;
+            last.count += next.count;
+            return true;
+        });
     table.declared = static_cast<unsigned int>(table.held());
 }
 

@@ -13,6 +13,7 @@
 #include <qt/wire/Bytes.h>
 #include <qt/wire/Container.h>
 #include <qt/wire/Frames.h>
+#include <qt/wire/Padding.h>
 #include <qt/wire/Throw.h>
 
 #include <algorithm>
@@ -114,13 +115,16 @@ QTFrame* ROOT::serialize() {
         QT_THROW(wire::area::kAtoms, "Ketra::QT::ROOT::serialize", "Can't serialize moovie, no MOOV-atom.");
     FREE free;
     WIDE wide;
-    wire::FrameList frames;
-    for (QTAtom* part :
-         {static_cast<QTAtom*>(brand), static_cast<QTAtom*>(extension), static_cast<QTAtom*>(movie),
-          static_cast<QTAtom*>(&free), static_cast<QTAtom*>(&wide)}) {
-        if (QTFrame* frame = part ? part->serialize() : nullptr) frames.emplace_back(frame);
-    }
-    return wire::joinHeaderless(*this, counted + free.getSize() + wide.getSize(), frames);
+    const std::uint64_t length = counted + free.getSize() + wide.getSize();
+    return wire::frameOf([&](wire::Output& out) {
+        if (wire::crediblePadding(*this, length, 0)) out.reserve(length);
+        for (QTAtom* part :
+             {static_cast<QTAtom*>(brand), static_cast<QTAtom*>(extension), static_cast<QTAtom*>(movie),
+              static_cast<QTAtom*>(&free), static_cast<QTAtom*>(&wide)}) {
+            if (part) wire::Access::serializeInto(*part, out);
+        }
+        return wire::fillUp(*this, out, 0, length);
+    });
 }
 
 } // namespace Ketra::QT

@@ -16,6 +16,9 @@ public:
 
     int parse() override;
     QTFrame* serialize() override;
+
+protected:
+    bool serializeInto(wire::Output& out) override;
 };
 
 } // namespace Ketra::QT

@@ -9,6 +9,7 @@
 #include <qt/QTUtils.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Container.h>
+#include <qt/wire/Output.h>
 
 namespace Ketra::QT {
 
@@ -82,5 +83,9 @@ int MOOV::parse() {
 }
 
 QTFrame* MOOV::serialize() { return serializeContainer(); }
+
+bool MOOV::serializeInto(wire::Output& out) {
+    return wire::isExactly(*this) ? writeContainer(out) : QTAtom::serializeInto(out);
+}
 
 } // namespace Ketra::QT

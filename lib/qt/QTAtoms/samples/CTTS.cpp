@@ -56,13 +56,21 @@ std::uint64_t CTTS::updateSize() {
 
 int CTTS::parse() { return wire::parseLeaf(*this); }
 
-QTFrame* CTTS::serialize() {
+bool CTTS::write(wire::Output& out) {
     const bool consistent = table_->consistent(); // compacting sets the count right, so ask before
-    if (updateSize() == 0) return nullptr;
+    if (updateSize() == 0) return false;
     if (!consistent) {
         QT_THROW(wire::area::kAtoms, "Ketra::QT::CTTS::serialize", "Wrong number of entries in CTTS-table");
     }
-    return wire::writeLeaf(*this);
+    return wire::writeLeafInto(*this, type_, out);
+}
+
+QTFrame* CTTS::serialize() {
+    return wire::frameOf([this](wire::Output& out) { return write(out); });
+}
+
+bool CTTS::serializeInto(wire::Output& out) {
+    return wire::isExactly(*this) ? write(out) : QTAtom::serializeInto(out);
 }
 
 int CTTS::compact() {

@@ -24,7 +24,15 @@ std::uint64_t SDTP::updateSize() { return size_ = table_->held() ? kFixed + kEnt
 
 int SDTP::parse() { return wire::parseLeaf(*this); }
 
-QTFrame* SDTP::serialize() { return table_->held() ? wire::writeLeaf(*this) : nullptr; }
+bool SDTP::write(wire::Output& out) { return table_->held() != 0 && wire::writeLeafInto(*this, type_, out); }
+
+QTFrame* SDTP::serialize() {
+    return wire::frameOf([this](wire::Output& out) { return write(out); });
+}
+
+bool SDTP::serializeInto(wire::Output& out) {
+    return wire::isExactly(*this) ? write(out) : QTAtom::serializeInto(out);
+}
 
 STSSData* SDTP::getSampleDepData(unsigned int index) const { return table_->record(index); }
 

@@ -14,6 +14,7 @@
 #include <qt/QTAtoms/samples/STTS.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Container.h>
+#include <qt/wire/Output.h>
 
 #include <algorithm>
 
@@ -88,5 +89,9 @@ int STBL::parse() {
 }
 
 QTFrame* STBL::serialize() { return serializeContainer(); }
+
+bool STBL::serializeInto(wire::Output& out) {
+    return wire::isExactly(*this) ? writeContainer(out) : QTAtom::serializeInto(out);
+}
 
 } // namespace Ketra::QT

@@ -84,6 +84,12 @@ int STCO::addChunkOffset(STCOData* entry) {
     return 0;
 }
 
+void STCO::append(std::uint64_t offset) {
+    table_->append(offset);
+    size_ += kEntry;
+    widenFor(offset);
+}
+
 STCOData* STCO::getChunkOffsetData(unsigned int index) const { return table_->record(index); }
 
 int STCO::setChunkOffsetTable(const std::vector<STCOData*>& table) {

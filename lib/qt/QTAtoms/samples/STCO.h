@@ -71,6 +71,7 @@ private:
     friend struct wire::Access;
     template <class Self, class Io>
     static void layout(Self& a, Io& io);
+    void append(std::uint64_t offset);
     void widenFor(std::uint64_t offset);
 
     unsigned int version_ = 0;

@@ -69,7 +69,7 @@ std::uint64_t STSZ::updateSize() { return size_ = kFixed + (writesTable() ? kEnt
 
 int STSZ::parse() { return wire::parseLeaf(*this); }
 
-QTFrame* STSZ::serialize() {
+bool STSZ::write(wire::Output& out) {
     const bool table = writesTable();
     if (table && !table_->consistent()) {
         QT_THROW(
@@ -79,7 +79,15 @@ QTFrame* STSZ::serialize() {
                                       static_cast<int>(table_->declared), static_cast<int>(table_->held())));
     }
     size_ = kFixed + (table ? kEntry * table_->declared : 0);
-    return wire::writeLeaf(*this);
+    return wire::writeLeafInto(*this, type_, out);
+}
+
+QTFrame* STSZ::serialize() {
+    return wire::frameOf([this](wire::Output& out) { return write(out); });
+}
+
+bool STSZ::serializeInto(wire::Output& out) {
+    return wire::isExactly(*this) ? write(out) : QTAtom::serializeInto(out);
 }
 
 STSZData* STSZ::getSampleSizeData(unsigned int index) {

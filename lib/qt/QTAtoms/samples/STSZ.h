@@ -68,8 +68,12 @@ public:
     unsigned int getFlags() const { return flags_; }
     int setFlags(unsigned int flags) { return flags_ = flags, 0; }
 
+protected:
+    bool serializeInto(wire::Output& out) override;
+
 private:
     friend struct wire::Access;
+    bool write(wire::Output& out);
     template <class Self, class Io>
     static void layout(Self& a, Io& io);
     bool writesTable() const;
