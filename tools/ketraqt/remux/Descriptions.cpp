@@ -110,6 +110,10 @@ void complete(const QT::STSDData& from, QT::STSDData& to, bool toQuickTime) {
         auto extra = frameOf(atom.data(), atom.size());
         if (to.addExtension(extra.get()) == 0) static_cast<void>(extra.release());
     }
+    // A rate that does not fit is left to the time scale of the media, which says the same.
+    constexpr float kHighestRate = 65535;
+    auto* sound = dynamic_cast<QT::STSDAudio*>(to.getExtraData());
+    if (sound && sound->getVersion() < 2 && sound->getSampleRate() > kHighestRate) sound->setSampleRate(0);
     to.updateSize();
 }
 

@@ -10,7 +10,6 @@
 #include "remux/Verify.h"
 
 #include <fmt/format.h>
-#include <system_error>
 
 namespace Ketra::Tool {
 
@@ -43,18 +42,8 @@ void printPlan(Plan& plan, const RemuxOptions& options) {
     output.finish();
 }
 
-void keepApart(const RemuxOptions& options) {
-    std::error_code error;
-    if (std::filesystem::equivalent(nativePath(options.file), nativePath(options.output), error) && !error &&
-        !options.force) {
-        throw ToolError(kCannotRead,
-                        fmt::format("{} is the file itself; --force replaces it", options.output));
-    }
-}
-
 void writeMovie(Plan& plan, const RemuxOptions& options) {
     InterruptGuard interrupts;
-    keepApart(options);
     AtomicFile file(options.output, options.force);
     const Layout layout = planLayout(plan, options.fastStart);
     Progress progress(2 * layout.mediaSize, Progress::kBytes); // written, then read back

@@ -24,8 +24,11 @@ struct Codec {
     unsigned int bytes; // of a packet and channel
     unsigned int samples;
 };
-constexpr Codec kCodecs[] = {{fourCC("ima4"), 34, 64}, {fourCC("MAC3"), 2, 6}, {fourCC("MAC6"), 1, 6},
-                             {fourCC("ulaw"), 1, 1},   {fourCC("alaw"), 1, 1}};
+constexpr Codec kCodecs[] = {{fourCC("ima4"), 34, 64},
+                             {fourCC("MAC3"), 2, 6},
+                             {fourCC("MAC6"), 1, 6},
+                             {fourCC("ulaw"), 1, 1},
+                             {fourCC("alaw"), 1, 1}};
 
 QT::QTAtom* tablesOf(const QT::QTTrack& track) {
     return atomAt<QT::QTAtom>(track.getTrak(), {fourCC("mdia"), fourCC("minf"), fourCC("stbl")});
@@ -119,11 +122,12 @@ std::unique_ptr<QT::QTFrame> TablePackets::read(std::uint64_t count) {
         got = stream_->read(block, static_cast<std::int64_t>(count));
     if (got != static_cast<std::int64_t>(count)) {
         std::free(block);
-        throw ToolError(kMalformed, fmt::format("the file ends early: bytes of sample {} are missing", sample_ + 1));
+        throw ToolError(kMalformed,
+                        fmt::format("the file ends early: bytes of sample {} are missing", sample_ + 1));
     }
     if (count == 0) return std::make_unique<QT::QTFrame>();
-    return std::make_unique<QT::QTFrame>(static_cast<unsigned int>(count), block, 0.0, 0.0, true, 1U, 0.0, 0.0,
-                                         false);
+    return std::make_unique<QT::QTFrame>(static_cast<unsigned int>(count), block, 0.0, 0.0, true, 1U, 0.0,
+                                         0.0, false);
 }
 
 bool TablePackets::next(Packet& packet) {

@@ -1,0 +1,110 @@
+#!/usr/bin/env python3
+"""Writes movies of every codec anew in every flavour that takes it, and asks independent readers about the result.
+
+run.py TOOL [--table FILE] [--only WORD]
+"""
+import argparse
+import os
+import subprocess
+import sys
+import tempfile
+
+from cases import CASES
+from checks import CHECKS, run
+
+
+# What these find does not depend on where the header is.
+LAYOUT_BLIND = ("decoded", "gstreamer")
+
+
+def version(*command):
+    try:
+        text = run(*command)[1].strip().splitlines()
+    except FileNotFoundError:
+        return "absent"
+    return next((line for line in text if any(c.isdigit() for c in line)), "?")[:60]
+
+
+def remux(tool, source, written, flavour, first):
+    done = subprocess.run([tool, "remux", source, "-o", written, "--flavour", flavour, "--force"]
+                          + (["--fast-start"] if first else []), capture_output=True, timeout=300, check=False)
+    return done.returncode, done.stderr.decode("utf-8", "replace").strip()
+
+
+def check(tool, case, source, flavour, folder):
+    """[(name of the check, what is wrong: "" for nothing, None where the reader is absent)]"""
+    written = os.path.join(folder, f"written.{flavour if flavour not in ('amc', 'psp') else 'mp4'}")
+    results = {}
+    for first in (False, True):
+        code, err = remux(tool, source, written, flavour, first)
+        if code != 0:
+            return {name: f"remux ends with {code}: {err}" for name, _ in CHECKS}
+        for name, function in CHECKS:
+            if first and name in LAYOUT_BLIND:
+                continue
+            wrong = function(source, written, case)
+            if wrong is None or results.get(name) is None and name in results:
+                results[name] = None
+            elif not results.get(name):
+                results[name] = wrong and ("header first: " if first else "") + wrong
+    return results
+
+
+def table(rows):
+    names = [name for name, _ in CHECKS]
+    yield "# Independent readers\n\n"
+    yield ("Every codec in every flavour that takes it: a movie made with ffmpeg is written anew with `ketraqt remux`, with\n"
+           "the header last and with the header first, and independent readers are asked about the result. `./dev interop`\n"
+           "makes this table.\n\n")
+    yield ("- ffprobe: the same streams with the same properties and decoder configuration, no complaint.\n"
+           "- decoded: the MD5 sum of every decoded picture and of the sound is that of the original.\n"
+           "- times: presentation and decode time, duration, size and key mark of every packet, to the tick, with and without\n"
+           "  the edit list.\n"
+           "- mediainfo, exiftool, gstreamer: the same tracks, no warning that the original does not get.\n\n")
+    yield (f"Made with {version('ffmpeg', '-version')}; MediaInfo {version('mediainfo', '--Version')}; ExifTool "
+           f"{version('exiftool', '-ver')}; {version('gst-discoverer-1.0', '--version')}.\n\n")
+    yield "| Codec | Flavour | " + " | ".join(names) + " |\n|---|---|" + "---|" * len(names) + "\n"
+    troubles = []
+    for case, flavour, results in rows:
+        cells = []
+        for name in names:
+            wrong = results[name]
+            if wrong:
+                troubles.append(f"- {case.name} in {flavour}, {name}: {wrong}\n")
+            cells.append("absent" if wrong is None else "no" if wrong else "yes")
+        yield f"| {case.name} | {flavour} | " + " | ".join(cells) + " |\n"
+    if troubles:
+        yield "\n## Differences\n\n"
+        yield from troubles
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("tool")
+    parser.add_argument("--table")
+    parser.add_argument("--only", default="")
+    options = parser.parse_args()
+    rows = []
+    with tempfile.TemporaryDirectory() as folder:
+        for number, case in enumerate(CASES):
+            if options.only not in case.name:
+                continue
+            source = os.path.join(folder, f"source{number}.{case.source}")
+            case.create(source)
+            for flavour in case.flavours:
+                results = check(options.tool, case, source, flavour, folder)
+                rows.append((case, flavour, results))
+                wrong = {name: text for name, text in results.items() if text}
+                print(f"{case.name} in {flavour}: " + ("; ".join(f"{n}: {t}" for n, t in wrong.items()) or "as before"),
+                      flush=True)
+            os.remove(source)
+    if options.table:
+        with open(options.table, "w", encoding="utf-8") as file:
+            file.writelines(table(rows))
+    failures = sum(any(results.values()) for _, _, results in rows)
+    print(f"{len(rows)} combinations, {failures} of them with a difference")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
