@@ -145,6 +145,7 @@ private:
     double seconds(std::uint64_t ticks) const;
     bool ticksWithinDuration(std::uint64_t ticks) const;
     void setSampleTicks(std::uint64_t ticks);
+    bool closestTicks(double t, unsigned int& sample, std::uint64_t& ticks);
     bool ticksOf(unsigned int n, std::uint64_t& ticks, std::uint64_t& entry);
     bool enterTimeEntry(std::uint64_t entry);
     std::uint64_t sizeOf(std::uint64_t n) const;

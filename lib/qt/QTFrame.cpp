@@ -34,6 +34,7 @@ QTFrame& QTFrame::operator=(const QTFrame& other) {
     std::swap(data_, copy.data_);
     dataLength_ = copy.dataLength_;
     blockLength_ = copy.blockLength_;
+    blockUntold_ = false;
     time_ = copy.time_;
     decodeTime_ = copy.decodeTime_;
     duration_ = copy.duration_;
@@ -46,6 +47,8 @@ QTFrame& QTFrame::operator=(const QTFrame& other) {
 
 int QTFrame::setDataLength(unsigned int length) {
     dataLength_ = length;
+    if (blockUntold_) blockLength_ = length;
+    blockUntold_ = false;
     return 0;
 }
 
@@ -82,7 +85,9 @@ int QTFrame::setContainsEncodedAlpha(bool alpha) {
 int QTFrame::setData(unsigned int length, unsigned char* data) {
     if (!length || !data) return -1;
     dataLength_ = length;
-    return setData(data);
+    setData(data);
+    blockUntold_ = false;
+    return 0;
 }
 
 int QTFrame::setData(unsigned char* data) {
@@ -90,6 +95,7 @@ int QTFrame::setData(unsigned char* data) {
     if (data != data_) std::free(data_);
     data_ = data;
     blockLength_ = dataLength_;
+    blockUntold_ = true; // a length that follows is that of this block
     return 0;
 }
 

@@ -35,7 +35,8 @@ public:
     int setContainsEncodedAlpha(bool alpha);
     /// Adopts the block. -1, and nothing changed, for a length of 0 or a null block.
     int setData(unsigned int length, unsigned char* data);
-    /// Adopts a block of getDataLength() bytes. -1 for a null block.
+    /// Adopts a block of getDataLength() bytes, or as many as the next setDataLength() says. -1 for a null
+    /// block.
     int setData(unsigned char* data);
     void print();
 
@@ -51,6 +52,7 @@ private:
     bool isKeyFrame_ = false;
     double endTime_ = 0;
     bool containsEncodedAlpha_ = false;
+    bool blockUntold_ = false;     // the block came without a length
     unsigned int blockLength_ = 0; // bytes really behind data_, whatever setDataLength says
 };
 

@@ -105,21 +105,29 @@ std::uint64_t QTChunk::findSampleOffset(unsigned int n) {
 
 unsigned int QTChunk::findSampleSize(unsigned int n) { return static_cast<unsigned int>(sizeOf(n)); }
 
-double QTChunk::findClosestTime(double t, unsigned int* sample) {
-    if (!stts_ || !withinDuration(t)) return -1.0;
+bool QTChunk::closestTicks(double t, unsigned int& sample, std::uint64_t& ticks) {
+    if (!stts_ || !withinDuration(t)) return false;
     const std::uint64_t x =
         static_cast<std::uint64_t>(std::max<std::int64_t>(0, wire::toInteger(t * timeScale_)));
     wire::TimePoint at;
     auto& times = samplesPerFrame_ == 1 ? index_->frameTimes : index_->plainTimes;
-    if (!times.locateTicks(Access::table(*stts_), x, at)) return -1.0;
+    if (!times.locateTicks(Access::table(*stts_), x, at)) return false;
     const std::uint64_t duration = Access::table(*stts_).at(at.entry).value;
     const std::uint64_t whole = duration ? (x - at.ticks) / duration : 0;
     const std::uint64_t found = at.samples + whole / samplesPerFrame_ * samplesPerFrame_;
     const std::uint64_t number = found / samplesPerFrame_ + 1;
-    if (sample) *sample = static_cast<unsigned int>(std::min<std::uint64_t>(number, 0xFFFFFFFF));
+    sample = static_cast<unsigned int>(std::min<std::uint64_t>(number, 0xFFFFFFFF));
+    ticks = at.ticks + whole * duration;
     enterTimeEntry(at.entry);
-    currentTicks_ = at.ticks + whole * duration;
-    return seconds(currentTicks_);
+    return true;
+}
+
+double QTChunk::findClosestTime(double t, unsigned int* sample) {
+    unsigned int found = 0;
+    std::uint64_t ticks = 0;
+    if (!closestTicks(t, found, ticks)) return -1.0;
+    if (sample) *sample = found;
+    return seconds(ticks);
 }
 
 /// With nothing but partial sync samples to go by: the entry two places before the first one behind the
@@ -208,7 +216,8 @@ int QTChunk::place(unsigned int n) {
 }
 
 int QTChunk::positionAt(unsigned int n) {
-    if (rangeCheck(n) == 0 && reset() == 0) return place(n);
+    if (rangeCheck(n) != 0) return -1; // nothing was begun, so the position stays
+    if (reset() == 0) return place(n);
     leavePosition();
     return -1;
 }
@@ -222,8 +231,9 @@ int QTChunk::initWithSample(unsigned int n) {
 int QTChunk::positionAtTime(double t) {
     if (reset() != 0) return -1;
     unsigned int sample = 0;
-    if (findClosestTime(t, &sample) < 0) return -1;
-    const std::uint64_t ticks = currentTicks_;
+    std::uint64_t ticks = 0;
+    if (!closestTicks(t, sample, ticks)) return -1;
+    currentTicks_ = ticks;
     timeKnown_ = true;
     if (rangeCheck(sample) != 0) return -1;
     currentSample_ = sample;
@@ -233,7 +243,6 @@ int QTChunk::positionAtTime(double t) {
     std::uint64_t entry = 0;
     if (!ticksOf(sample, ownTicks, entry)) return -1;
     enterTimeEntry(entry);
-    currentTicks_ = ticks;
     if (!locate(sample) || sampleOffset_ == 0) return -1;
     setTableIterators();
     return 0;
@@ -242,11 +251,9 @@ int QTChunk::positionAtTime(double t) {
 int QTChunk::seekTime(double t) {
     constexpr double kFirstMoment = 0.01; // anything earlier means the beginning
     if (!(t >= kFirstMoment)) t = 0;
-    int result = -1;
-    if (withinDuration(t)) {
-        result = positionAtTime(t);
-        if (result != 0 && t > 0) result = positionAtTime(0);
-    }
+    if (!withinDuration(t)) return -1; // nothing was begun, so the position stays
+    int result = positionAtTime(t);
+    if (result != 0 && t > 0) result = positionAtTime(0);
     if (result != 0) leavePosition();
     return result;
 }

@@ -17,6 +17,7 @@
 #include <qt/wire/Throw.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace Ketra::QT {
 
@@ -45,10 +46,17 @@ void recover(QTAtom& root, QTUtils& utils) {
     const std::int64_t length = Access::streamSize(utils);
     const std::int64_t start = std::max<std::int64_t>(0, length - kSearched);
     if (stream->lseek(start, 0) != start) return;
-    const wire::Payload tail = Access::fetch(utils, static_cast<std::uint64_t>(std::min(length, kSearched)));
-    if (!tail) return;
-    for (std::uint64_t i = 0; i + kHeader <= tail.delivered; ++i) {
-        const unsigned char* at = tail.data.get() + i;
+    // Not through the reader: it counts what the movie's atoms took.
+    std::vector<unsigned char> tail(static_cast<std::size_t>(std::min(length, kSearched)));
+    std::size_t held = 0;
+    while (held < tail.size()) {
+        const auto asked = static_cast<std::int64_t>(tail.size() - held);
+        const std::int64_t got = stream->read(tail.data() + held, asked);
+        if (got <= 0) break;
+        held += static_cast<std::size_t>(std::min(got, asked));
+    }
+    for (std::size_t i = 0; i + kHeader <= held; ++i) {
+        const unsigned char* at = tail.data() + i;
         if (littleEndian(at + 4) != fourCC("moov")) continue;
         const std::uint64_t offset = static_cast<std::uint64_t>(start) + i;
         stream->lseek(static_cast<std::int64_t>(offset) + kHeader, 0);
