@@ -2,6 +2,7 @@
 #include <qt/QTUtils.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Block.h>
+#include <qt/wire/Direct.h>
 #include <qt/wire/Frames.h>
 #include <qt/wire/Oddities.h>
 #include <qt/wire/Padding.h>
@@ -138,14 +139,9 @@ bool QTAtom::writeContainer(wire::Output& out) {
     if (wire::crediblePadding(*this, counted, 0)) out.reserve(counted);
     if (!out.extend(kPlainHeader)) return false;
     for (QTAtom* child : children_) {
-        child->serializeInto(out);
+        wire::writeInto(*child, out);
     }
     return wire::finishContainer(*this, out, begin, counted);
-}
-
-bool QTAtom::serializeInto(wire::Output& out) {
-    const std::unique_ptr<QTFrame> frame(serialize());
-    return frame && out.append(frame->getData(), frame->getDataLength());
 }
 
 QTAtom* QTAtom::getAtomOfType(unsigned int type) const {

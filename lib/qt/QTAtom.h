@@ -89,11 +89,6 @@ public:
 protected:
     /// updateSize(), then header and every child's bytes; a child without bytes is left out.
     QTFrame* serializeContainer();
-    /// The same behind what `out` holds; false, and nothing written, for an atom without bytes.
-    bool writeContainer(wire::Output& out);
-    /// What serialize() gives, written behind what `out` holds. Overridden where there is much to write; a
-    /// class that overrides serialize() alone is written by that.
-    virtual bool serializeInto(wire::Output& out);
 
     std::uint64_t size_ = 0;
     unsigned int type_ = 0;
@@ -109,6 +104,7 @@ private:
     friend class QTUtils;
 
     void release();
+    bool writeContainer(wire::Output& out); // serializeContainer() behind what `out` holds
 
     std::uint64_t reserved_ = 0;
     std::uint64_t payloadLength_ = 0;

@@ -19,7 +19,12 @@ struct Access {
     static void setSize(QTAtom& atom, std::uint64_t size) { atom.size_ = size; }
     static void setType(QTAtom& atom, unsigned int type) { atom.type_ = type; }
     static void setContainer(QTAtom& atom) { atom.container_ = true; }
-    static bool serializeInto(QTAtom& atom, Output& out) { return atom.serializeInto(out); }
+    static bool writeContainer(QTAtom& atom, Output& out) { return atom.writeContainer(out); }
+    /// What serialize() of a table gives, behind what `out` holds.
+    template <class Atom>
+    static bool write(Atom& atom, Output& out) {
+        return atom.write(out);
+    }
     static bool runsToEnd(const QTAtom& atom) { return atom.toEnd_; }
     /// Keeps payload bytes in the base: it then writes them back.
     static void keepPayload(QTAtom& atom, MallocPtr data, std::uint64_t length) {

@@ -8,12 +8,11 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
-#include <typeinfo>
 
 namespace Ketra::QT::wire {
 
-/// Atoms follow one another in one block, however deep they stand in the tree: a header of ten million samples
-/// is not copied from level to level. Bytes that nobody writes are zero.
+/// Atoms follow one another in one block, however deep they stand in the tree: a header of ten million
+/// samples is not copied from level to level. Bytes that nobody writes are zero.
 class Output {
 public:
     std::uint64_t size() const { return size_; }
@@ -77,12 +76,6 @@ template <class Write>
 QTFrame* frameOf(Write write) {
     Output out;
     return write(out) ? out.release() : nullptr;
-}
-
-/// A class made from a library class may write itself otherwise; only serialize() knows how.
-template <class Atom>
-bool isExactly(const Atom& atom) {
-    return typeid(atom) == typeid(Atom);
 }
 
 } // namespace Ketra::QT::wire

@@ -12,6 +12,7 @@
 #include <qt/wire/Access.h>
 #include <qt/wire/Bytes.h>
 #include <qt/wire/Container.h>
+#include <qt/wire/Direct.h>
 #include <qt/wire/Frames.h>
 #include <qt/wire/Padding.h>
 #include <qt/wire/Throw.h>
@@ -129,7 +130,7 @@ QTFrame* ROOT::serialize() {
         for (QTAtom* part :
              {static_cast<QTAtom*>(brand), static_cast<QTAtom*>(extension), static_cast<QTAtom*>(movie),
               static_cast<QTAtom*>(&free), static_cast<QTAtom*>(&wide)}) {
-            if (part) wire::Access::serializeInto(*part, out);
+            if (part) wire::writeInto(*part, out);
         }
         return wire::fillUp(*this, out, 0, length);
     });

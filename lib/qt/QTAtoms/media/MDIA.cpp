@@ -3,7 +3,6 @@
 #include <qt/QTAtoms/media/MDIA.h>
 #include <qt/QTAtoms/media/MINF.h>
 #include <qt/wire/Container.h>
-#include <qt/wire/Output.h>
 
 namespace Ketra::QT {
 
@@ -26,9 +25,5 @@ MDIA::~MDIA() = default;
 int MDIA::parse() { return wire::parseChildren(*this, kChildren); }
 
 QTFrame* MDIA::serialize() { return serializeContainer(); }
-
-bool MDIA::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? writeContainer(out) : QTAtom::serializeInto(out);
-}
 
 } // namespace Ketra::QT

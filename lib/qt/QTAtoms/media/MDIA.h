@@ -16,9 +16,6 @@ public:
 
     int parse() override;
     QTFrame* serialize() override;
-
-protected:
-    bool serializeInto(wire::Output& out) override;
 };
 
 } // namespace Ketra::QT

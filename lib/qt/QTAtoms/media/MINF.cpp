@@ -9,7 +9,6 @@
 #include <qt/QTAtoms/media/VMHD.h>
 #include <qt/QTAtoms/samples/STBL.h>
 #include <qt/wire/Container.h>
-#include <qt/wire/Output.h>
 
 namespace Ketra::QT {
 
@@ -34,9 +33,5 @@ MINF::~MINF() = default;
 int MINF::parse() { return wire::parseChildren(*this, kChildren); }
 
 QTFrame* MINF::serialize() { return serializeContainer(); }
-
-bool MINF::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? writeContainer(out) : QTAtom::serializeInto(out);
-}
 
 } // namespace Ketra::QT

@@ -9,7 +9,6 @@
 #include <qt/QTUtils.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Container.h>
-#include <qt/wire/Output.h>
 
 namespace Ketra::QT {
 
@@ -83,9 +82,5 @@ int MOOV::parse() {
 }
 
 QTFrame* MOOV::serialize() { return serializeContainer(); }
-
-bool MOOV::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? writeContainer(out) : QTAtom::serializeInto(out);
-}
 
 } // namespace Ketra::QT

@@ -69,10 +69,6 @@ QTFrame* CTTS::serialize() {
     return wire::frameOf([this](wire::Output& out) { return write(out); });
 }
 
-bool CTTS::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? write(out) : QTAtom::serializeInto(out);
-}
-
 int CTTS::compact() {
     wire::compactRuns(*table_);
     return 0;

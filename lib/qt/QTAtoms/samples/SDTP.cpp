@@ -30,10 +30,6 @@ QTFrame* SDTP::serialize() {
     return wire::frameOf([this](wire::Output& out) { return write(out); });
 }
 
-bool SDTP::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? write(out) : QTAtom::serializeInto(out);
-}
-
 STSSData* SDTP::getSampleDepData(unsigned int index) const { return table_->record(index); }
 
 int SDTP::setSampleDepTable(const std::vector<STSSData*>& table) {

@@ -14,7 +14,6 @@
 #include <qt/QTAtoms/samples/STTS.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Container.h>
-#include <qt/wire/Output.h>
 
 #include <algorithm>
 
@@ -89,9 +88,5 @@ int STBL::parse() {
 }
 
 QTFrame* STBL::serialize() { return serializeContainer(); }
-
-bool STBL::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? writeContainer(out) : QTAtom::serializeInto(out);
-}
 
 } // namespace Ketra::QT

@@ -17,9 +17,6 @@ public:
 
     int parse() override;
     QTFrame* serialize() override;
-
-protected:
-    bool serializeInto(wire::Output& out) override;
 };
 
 } // namespace Ketra::QT

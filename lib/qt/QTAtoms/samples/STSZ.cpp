@@ -86,10 +86,6 @@ QTFrame* STSZ::serialize() {
     return wire::frameOf([this](wire::Output& out) { return write(out); });
 }
 
-bool STSZ::serializeInto(wire::Output& out) {
-    return wire::isExactly(*this) ? write(out) : QTAtom::serializeInto(out);
-}
-
 STSZData* STSZ::getSampleSizeData(unsigned int index) {
     if (table_->held() == 0) {
         const unsigned int count = table_->declared; // the sample count is not the table's business here

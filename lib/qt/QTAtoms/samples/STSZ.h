@@ -68,9 +68,6 @@ public:
     unsigned int getFlags() const { return flags_; }
     int setFlags(unsigned int flags) { return flags_ = flags, 0; }
 
-protected:
-    bool serializeInto(wire::Output& out) override;
-
 private:
     friend struct wire::Access;
     bool write(wire::Output& out);

@@ -12,7 +12,6 @@
 #include <qt/QTAtoms/track/TREF.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Container.h>
-#include <qt/wire/Output.h>
 
 namespace Ketra::QT {
 
@@ -47,10 +46,5 @@ std::uint64_t TRAK::updateSize() { return hasSamples(*this) ? QTAtom::updateSize
 int TRAK::parse() { return wire::parseChildren(*this, kChildren); }
 
 QTFrame* TRAK::serialize() { return updateSize() == 0 ? nullptr : serializeContainer(); }
-
-bool TRAK::serializeInto(wire::Output& out) {
-    if (!wire::isExactly(*this)) return QTAtom::serializeInto(out);
-    return updateSize() != 0 && writeContainer(out);
-}
 
 } // namespace Ketra::QT

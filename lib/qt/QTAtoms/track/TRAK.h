@@ -17,9 +17,6 @@ public:
     std::uint64_t updateSize() override;
     int parse() override;
     QTFrame* serialize() override; ///< calls updateSize() first
-
-protected:
-    bool serializeInto(wire::Output& out) override;
 };
 
 } // namespace Ketra::QT
