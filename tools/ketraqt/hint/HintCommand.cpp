@@ -1,5 +1,6 @@
 #include "../Atoms.h"
 #include "../Commands.h"
+#include "../Source.h"
 #include "../ToolError.h"
 #include "HintTrackBuilder.h"
 #include "MovieRewrite.h"
@@ -37,6 +38,7 @@ std::unique_ptr<QT::QTMovie> beginHints(MovieRewrite& rewrite) {
 }
 
 Builders beginTracks(QT::QTMovie& source, QT::QTMovie& hints, const HintOptions& options) {
+    const HintLimits limits{options.mtu - kHeaders, mostMediaBytes(*source.getStream())};
     for (const unsigned int id : options.tracks) {
         trackOf(source, id); // throws without it
     }
@@ -46,7 +48,7 @@ Builders beginTracks(QT::QTMovie& source, QT::QTMovie& hints, const HintOptions&
         if (!asked(options, track->getID())) continue;
         track->setMovieTimeScale(hints.getTimeScale());
         try {
-            builders.push_back(std::make_unique<HintTrackBuilder>(*track, hints, options.mtu - kHeaders));
+            builders.push_back(std::make_unique<HintTrackBuilder>(*track, hints, limits));
         } catch (const ToolError& error) {
             // Other tracks can be hinted all the same, unless this one was asked for.
             if (error.code() != kNotAllowed || !options.tracks.empty()) throw;
@@ -116,7 +118,7 @@ void addToHeader(MovieHeader& header, Builders& builders, QT::QTMovie& hints) {
 
 void runHint(const HintOptions& options) {
     Source source(options.file);
-    MovieRewrite rewrite(source);
+    MovieRewrite rewrite(source.stream());
     if (rewrite.hasHints())
         throw ToolError(kNotAllowed, "has hint tracks already; hint --remove takes them out");
     const auto movie = openMovie(source);
@@ -132,7 +134,7 @@ void runHint(const HintOptions& options) {
 
 void runHintRemoval(const HintOptions& options) {
     Source source(options.file);
-    MovieRewrite rewrite(source);
+    MovieRewrite rewrite(source.stream());
     if (!rewrite.hasHints()) throw ToolError(kNotAllowed, "has no hint tracks");
     rewrite.removeHints();
     AtomicFile out(options.output, options.force);

@@ -48,8 +48,15 @@ unsigned char* timestampOffset(std::int64_t offset) {
 
 } // namespace
 
-HintTrackBuilder::HintTrackBuilder(QT::QTTrack& media, QT::QTMovie& movie, std::size_t largestPayload)
-    : media_(media), packetizer_(makePacketizer(media, largestPayload)), walk_(media) {
+std::uint64_t mostMediaBytes(QT::QTStream& stream) {
+    constexpr std::uint64_t kShared = 4;
+    constexpr std::uint64_t kAtLeast = std::uint64_t{1} << 20;
+    return kShared * static_cast<std::uint64_t>(std::max<std::int64_t>(0, stream.size())) + kAtLeast;
+}
+
+HintTrackBuilder::HintTrackBuilder(QT::QTTrack& media, QT::QTMovie& movie, HintLimits limits)
+    : media_(media), packetizer_(makePacketizer(media, limits.largestPayload)), walk_(media),
+      mediaBytesLeft_(limits.mediaBytes) {
     const StreamFormat& format = packetizer_->format();
     track_ = dynamic_cast<QT::QTHintTrack*>(
         movie.beginTrack(format.video ? fourCC("vihi") : fourCC("auhi"), movie.getMovieType()));
@@ -125,6 +132,11 @@ bool HintTrackBuilder::step(const ChunkSink& sink) {
                         fmt::format("the file ends early: {} bytes of track {}, sample {} are missing",
                                     place.missing, media_.getID(), place.sample));
     }
+    if (frame->getDataLength() > mediaBytesLeft_) {
+        throw ToolError(kMalformed,
+                        fmt::format("the samples of track {} lie on one another", media_.getID()));
+    }
+    mediaBytesLeft_ -= frame->getDataLength();
     const MediaSample sample = sampleOf(*frame);
     time_ = std::max(time_, frame->getDecodeTime());
     end_ = std::max(end_, frame->getDecodeTime() + frame->getDuration());

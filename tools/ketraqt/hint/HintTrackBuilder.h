@@ -15,10 +15,18 @@ namespace Ketra::Tool {
 /// Saves the chunk of the track, wherever in the file it goes.
 using ChunkSink = std::function<void(QT::QTTrack&)>;
 
+struct HintLimits {
+    std::size_t largestPayload = 0; ///< bytes of an RTP packet behind its header
+    std::uint64_t mediaBytes = 0;   ///< of all samples of a track
+};
+
+/// Samples may share bytes, but a small file whose samples all lie on one another could ask for any amount.
+std::uint64_t mostMediaBytes(QT::QTStream& stream);
+
 class HintTrackBuilder {
 public:
     /// Begins the hint track in `movie`. Throws ToolError for a medium that cannot be hinted.
-    HintTrackBuilder(QT::QTTrack& media, QT::QTMovie& movie, std::size_t largestPayload);
+    HintTrackBuilder(QT::QTTrack& media, QT::QTMovie& movie, HintLimits limits);
 
     /// Hints the next sample; false at the end. A full chunk is given to the sink.
     bool step(const ChunkSink& sink);
@@ -41,6 +49,7 @@ private:
     QT::QTHintTrack* track_;
     std::optional<PacketGroup> waiting_; // its duration is known when the next one comes
     std::int64_t shift_ = 0;             // RTP ticks from media time to movie time, by the edits
+    std::uint64_t mediaBytesLeft_;
     double time_ = 0;
     double end_ = 0;
 };

@@ -28,8 +28,8 @@ private:
     void settleNextTrackID();
     void changeUserData(const ByteBlock* hnti);
 
+    ByteBlock rest_; // filled while the children are found
     std::vector<AtomBytes> children_;
-    ByteBlock rest_;
 };
 
 } // namespace Ketra::Tool

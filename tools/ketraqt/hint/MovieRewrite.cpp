@@ -4,8 +4,6 @@
 #include "PacketBytes.h"
 #include "TrackBytes.h"
 
-#include <qt/QTTypes.h>
-
 #include <algorithm>
 #include <limits>
 
@@ -43,8 +41,8 @@ ByteBlock readHeader(QT::QTStream& stream) {
 
 } // namespace
 
-MovieRewrite::MovieRewrite(Source& source) : source_(source), header_(readHeader(source.stream())) {
-    for (const FilePart& place : filePartsOf(source.stream())) {
+MovieRewrite::MovieRewrite(QT::QTStream& stream) : stream_(stream), header_(readHeader(stream)) {
+    for (const FilePart& place : filePartsOf(stream)) {
         parts_.push_back({place});
     }
     const FilePart first = moov();
@@ -101,7 +99,7 @@ void MovieRewrite::copyPart(AtomicFile& out, const Part& part) {
     ByteBlock block(kBlock);
     for (std::uint64_t at = place.offset; at < place.end();) {
         const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(kBlock, place.end() - at));
-        readAt(source_.stream(), at, block.data(), count);
+        readAt(stream_, at, block.data(), count);
         if (at == place.offset) {
             if (part.fate == Fate::kFree) store32(block.data() + 4, fourCC("free"));
             if (place.toTheEnd) {
@@ -127,7 +125,7 @@ QT::QTMovieConstructionFlags MovieRewrite::flavour() {
     unsigned char brand[kBrand] = {};
     for (const Part& part : parts_) {
         if (part.place.type != fourCC("ftyp") || part.place.size < part.place.headerSize + kBrand) continue;
-        readAt(source_.stream(), part.place.offset + part.place.headerSize, brand, kBrand);
+        readAt(stream_, part.place.offset + part.place.headerSize, brand, kBrand);
         const unsigned int major = load32(brand);
         if (major == fourCC("qt  ")) return QT::kMOV;
         if (major >> 8 == fourCC("3g2a") >> 8) return QT::k3G2;

@@ -2,8 +2,9 @@
 #pragma once
 
 #include "../AtomicFile.h"
-#include "../Source.h"
 #include "MovieHeader.h"
+
+#include <qt/QTTypes.h>
 
 namespace Ketra::Tool {
 
@@ -12,7 +13,7 @@ namespace Ketra::Tool {
 class MovieRewrite {
 public:
     /// Throws ToolError for a file that is damaged, or not of a kind that can be rewritten.
-    explicit MovieRewrite(Source& source);
+    explicit MovieRewrite(QT::QTStream& stream); ///< borrowed
 
     MovieHeader& header() { return header_; }
     bool hasHints() const;
@@ -37,7 +38,7 @@ private:
     void copyPart(AtomicFile& out, const Part& part);
     bool used(const FilePart& part, bool byHints) const;
 
-    Source& source_;
+    QT::QTStream& stream_;
     std::vector<Part> parts_;
     MovieHeader header_;
 };
