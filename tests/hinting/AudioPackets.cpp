@@ -122,6 +122,9 @@ TEST(PcmPackets, HoldWholeSampleFramesMostSignificantByteFirst) {
     EXPECT_EQ(groups[1].duration, 1);
     expectPayloads(groups, {{hex("0001 0002 0003 0004"), false}, {hex("0005 0006"), false}});
 
+    packets.add(sampleOf(hex("0100 0200 0300 0400 0500 0600"), 0, 30)); // timed by another rate than its own
+    EXPECT_EQ(packets.take()[1].decode, 20);
+
     PcmPacketizer big(stereo, 100, false);
     big.add(sampleOf(hex("0001 0002 00"))); // what is no whole frame stays out
     expectPayloads(big.take(), {{hex("0001 0002"), false}});

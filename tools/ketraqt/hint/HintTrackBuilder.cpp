@@ -31,6 +31,11 @@ std::int64_t ticks(double seconds, unsigned int clock) {
     return std::isfinite(exact) ? std::llround(std::clamp(exact, -kMost, kMost)) : 0;
 }
 
+/// What the tables can hold.
+std::int64_t durationOf(std::int64_t ticks) {
+    return std::clamp<std::int64_t>(ticks, 0, std::numeric_limits<std::uint32_t>::max());
+}
+
 int narrow(std::int64_t value) {
     using Limits = std::numeric_limits<int>;
     return static_cast<int>(std::clamp<std::int64_t>(value, Limits::min(), Limits::max()));
@@ -118,7 +123,7 @@ MediaSample HintTrackBuilder::sampleOf(const QT::QTFrame& frame) const {
     const std::int64_t decode = ticks(frame.getDecodeTime(), clock);
     sample.decode = decode + std::max<std::int64_t>(0, shift_); // no packet can be sent before the beginning
     sample.presentation = ticks(frame.getTime(), clock) + shift_;
-    sample.duration = ticks(frame.getDecodeTime() + frame.getDuration(), clock) - decode;
+    sample.duration = durationOf(ticks(frame.getDecodeTime() + frame.getDuration(), clock) - decode);
     sample.key = frame.getIsKeyFrame();
     return sample;
 }
@@ -139,7 +144,6 @@ bool HintTrackBuilder::step(const ChunkSink& sink) {
     mediaBytesLeft_ -= frame->getDataLength();
     const MediaSample sample = sampleOf(*frame);
     time_ = std::max(time_, frame->getDecodeTime());
-    end_ = std::max(end_, frame->getDecodeTime() + frame->getDuration());
     packetizer_->add(sample);
     takeGroups(sink);
     return true;
@@ -147,7 +151,7 @@ bool HintTrackBuilder::step(const ChunkSink& sink) {
 
 void HintTrackBuilder::takeGroups(const ChunkSink& sink) {
     for (PacketGroup& group : packetizer_->take()) {
-        if (waiting_) write(*waiting_, std::max<std::int64_t>(0, group.decode - waiting_->decode), sink);
+        if (waiting_) write(*waiting_, durationOf(group.decode - waiting_->decode), sink);
         waiting_ = std::move(group);
     }
 }
@@ -155,6 +159,7 @@ void HintTrackBuilder::takeGroups(const ChunkSink& sink) {
 void HintTrackBuilder::write(const PacketGroup& group, std::int64_t duration, const ChunkSink& sink) {
     const StreamFormat& format = packetizer_->format();
     const double clock = format.clockRate;
+    ticks_ += duration;
     const auto count = static_cast<std::int64_t>(group.payloads.size());
     for (std::int64_t i = 0; i < count; ++i) {
         const Payload& payload = group.payloads[static_cast<std::size_t>(i)];
@@ -190,7 +195,7 @@ void HintTrackBuilder::finish(const ChunkSink& sink) {
     if (waiting_) write(*waiting_, waiting_->duration, sink);
     waiting_.reset();
     sink(*track_);
-    track_->setDuration(end_);
+    track_->setDuration(static_cast<double>(ticks_) / packetizer_->format().clockRate);
     track_->endTrack();
     track_->prepareForWriting();
 }

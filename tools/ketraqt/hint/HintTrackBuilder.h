@@ -51,7 +51,7 @@ private:
     std::int64_t shift_ = 0;             // RTP ticks from media time to movie time, by the edits
     std::uint64_t mediaBytesLeft_;
     double time_ = 0;
-    double end_ = 0;
+    std::int64_t ticks_ = 0; // of all hint samples
 };
 
 } // namespace Ketra::Tool
