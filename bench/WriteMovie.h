@@ -51,7 +51,9 @@ public:
         }
     }
     const unsigned char* at(std::uint32_t i) const { return bytes_.data() + begins_[i]; }
-    unsigned int size(std::uint32_t i) const { return static_cast<unsigned int>(begins_[i + 1U] - begins_[i]); }
+    unsigned int size(std::uint32_t i) const {
+        return static_cast<unsigned int>(begins_[i + 1U] - begins_[i]);
+    }
 
 private:
     std::vector<unsigned char> bytes_;
