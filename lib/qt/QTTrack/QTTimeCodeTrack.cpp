@@ -53,7 +53,6 @@ QTTimeCodeTrack::QTTimeCodeTrack() : QTTrack(kMOV) { setMediaType(fourCC("time")
 QTTimeCodeTrack::QTTimeCodeTrack(QTAtom* trak) : QTTimeCodeTrack() {
     readTrak(trak, fourCC("time"), "QT::QTTimeCodeTrack::QTTimeCodeTrack", "No tkhd-atom found in trak-atom",
              "No mdia-atom found in trak-atom");
-    initAtoms();
     readDescriptions(false);
 }
 

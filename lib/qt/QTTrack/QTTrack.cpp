@@ -99,6 +99,7 @@ void QTTrack::readTrak(QTAtom* trak, unsigned int mediaType, const char* functio
     if (!header) QT_THROW(wire::area::kTrack, function, headerMissing);
     const QTAtom* media = wire::child<QTAtom>(trak, fourCC("mdia"));
     if (!media) QT_THROW(wire::area::kTrack, function, mdiaMissing);
+    initAtoms(); // what the tree lacks stays out of reach
     mediaType_ = mediaType;
     id_ = header->getTrackID();
     const MDHD* mediaHeader = wire::child<MDHD>(media, fourCC("mdhd"));

@@ -228,7 +228,7 @@ TEST(HintTrack, NeedsAPlaceForItsText) {
     EXPECT_EQ(video.addSdpFile(), -1); // no user data
     tree.addUserData();
     EXPECT_EQ(audio.addSdpFile(), -1); // no "hnti"
-    EXPECT_EQ(plain.addSdpFile(), -1);
+    EXPECT_EQ(plain.addSdpFile(), 0);  // has no text to place
     WritingTree::add<HNTI>(*tree.userData);
     EXPECT_EQ(plain.addSdpFile(), 0);
     EXPECT_EQ(audio.addSdpFile(), 0);
@@ -448,7 +448,23 @@ TEST(HintTrack, IsReadWithAnyDescriptions) {
     EXPECT_EQ(video.getHeight(), 240U);
     QTAudioHintTrack audio(tree.trak());
     EXPECT_EQ(audio.getDataFormat(), fourCC("rtp "));
-    EXPECT_EQ(audio.parseStsd(nullptr), -1);
+    EXPECT_EQ(audio.parseStsd(nullptr), 0);
+    EXPECT_EQ(audio.getDataFormat(), fourCC("rtp "));
+}
+
+TEST(HintTrack, WithoutAMediumPreparesNothing) {
+    WritingTree tree(fourCC("vihi"));
+    tree.addUserData();
+    QTHintTrack plain;
+    tree.give(plain, kPSP);
+    plain.setDuration(2);
+    plain.setTotalDataSize(1000);
+    EXPECT_EQ(plain.prepareForWriting(), 0);
+    EXPECT_EQ(plain.getAvgBitRate(), 0U);
+    EXPECT_EQ(tree.header->getFlags(), 15U);
+    EXPECT_EQ(tree.handler->getComponentType(), 0U);
+    EXPECT_EQ(tree.trak->getChildren().size(), 3U); // no marker of handheld players
+    EXPECT_TRUE(tree.userData->getChildren().empty());
 }
 
 TEST(HintTrack, NamesItselfWhenHeadersAreMissing) {

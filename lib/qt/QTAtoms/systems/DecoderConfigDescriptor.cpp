@@ -44,7 +44,7 @@ void DecoderConfigDescriptor::layout(Self& a, Io& io) {
 
 int DecoderConfigDescriptor::getInfo(unsigned char** cursor) { return wire::readInfo(*this, cursor); }
 
-QTFrame* DecoderConfigDescriptor::serialize() { return wire::writeDescriptor(*this, kTag, updateSize()); }
+QTFrame* DecoderConfigDescriptor::serialize() { return wire::writeDescriptor(*this, tag_, updateSize()); }
 
 unsigned int DecoderConfigDescriptor::updateSize() { return size_ = kFixed + nestedSize(); }
 

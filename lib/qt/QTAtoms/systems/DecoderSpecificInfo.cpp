@@ -30,7 +30,7 @@ void DecoderSpecificInfo::layout(Self& a, Io& io) {
 
 int DecoderSpecificInfo::getInfo(unsigned char** cursor) { return wire::readInfo(*this, cursor); }
 
-QTFrame* DecoderSpecificInfo::serialize() { return wire::writeDescriptor(*this, kTag, size_); }
+QTFrame* DecoderSpecificInfo::serialize() { return wire::writeDescriptor(*this, tag_, size_); }
 
 unsigned int DecoderSpecificInfo::updateSize() { return size_; }
 

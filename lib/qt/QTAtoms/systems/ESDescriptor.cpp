@@ -51,7 +51,7 @@ int ESDescriptor::getInfo(unsigned char** cursor) { return wire::readInfo(*this,
 
 QTFrame* ESDescriptor::serialize() {
     updateSize();
-    return wire::writeDescriptor(*this, kTag, size_, urlFlag_ ? 1 : 0);
+    return wire::writeDescriptor(*this, tag_, size_, urlFlag_ ? 1 : 0);
 }
 
 unsigned int ESDescriptor::updateSize() {

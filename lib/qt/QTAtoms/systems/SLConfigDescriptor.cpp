@@ -23,7 +23,7 @@ void SLConfigDescriptor::layout(Self& a, Io& io) {
 
 int SLConfigDescriptor::getInfo(unsigned char** cursor) { return wire::readInfo(*this, cursor); }
 
-QTFrame* SLConfigDescriptor::serialize() { return wire::writeDescriptor(*this, kTag, size_); }
+QTFrame* SLConfigDescriptor::serialize() { return wire::writeDescriptor(*this, tag_, size_); }
 
 unsigned int SLConfigDescriptor::updateSize() { return size_; }
 
