@@ -7,7 +7,7 @@
 namespace Ketra::QT::wire {
 
 /// What serialize() of the atom gives, written behind what `out` holds. False, and nothing written, for an
-/// atom without bytes.
+/// atom without bytes. Defined with the atoms, whose classes it must know.
 bool writeInto(QTAtom& atom, Output& out);
 
 } // namespace Ketra::QT::wire
