@@ -62,7 +62,7 @@ def table(rows):
            "  the edit list.\n"
            "- mediainfo, exiftool, gstreamer: the same tracks, no warning that the original does not get.\n\n")
     yield (f"Made with {version('ffmpeg', '-version')}; MediaInfo {version('mediainfo', '--Version')}; ExifTool "
-           f"{version('exiftool', '-ver')}; {version('gst-discoverer-1.0', '--version')}.\n\n")
+           f"{version('exiftool', '-ver')}; {version('gst-inspect-1.0', '--version')}.\n\n")
     yield "| Codec | Flavour | " + " | ".join(names) + " |\n|---|---|" + "---|" * len(names) + "\n"
     troubles = []
     for case, flavour, results in rows:

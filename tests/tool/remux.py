@@ -281,9 +281,10 @@ class Chapters(RemuxTest):
         out = self.path("out.mov")
         self.assertEqual(tool("chapters", self.movie, "--import", titles, "-o", out), (0, b"", ""))
         self.assertEqual(tool("chapters", out)[1].decode(), self.LINES)
-        self.assertEqual(self.info(out)["tracks"][-1]["type"], "text")
-        self.assertEqual(len(self.info(out)["tracks"]), 4)
-        self.assertEqual(self.frames(out, 1), self.frames(self.movie, 1))
+        tracks = self.info(out)["tracks"]
+        self.assertEqual([track["type"] for track in tracks], ["text", "vide", "soun", "tmcd"])
+        self.assertEqual(tracks[1]["references"], [{"type": "chap", "tracks": [1]}, {"type": "tmcd", "tracks": [4]}])
+        self.assertEqual(self.frames(out, 2), self.frames(self.movie, 1))
 
     def test_import_that_begins_later(self):
         titles = self.file("titles.txt", b"\xef\xbb\xbf00:00:00.100 Late\r\n\r\n")
@@ -316,6 +317,10 @@ class Timecode(RemuxTest):
             self.assertEqual(tool("timecode", out)[1].decode(), printed + " (track 4)\n")
             self.assertEqual(self.frames(out, 4)[1], struct.pack(">I", frame))
             self.assertIn({"type": "tmcd", "tracks": [4]}, self.info(out)["tracks"][0]["references"])
+
+    def test_files_of_the_other_kind(self):
+        out = self.write("--tracks", "1", "--start-timecode", "10:00:00:00", "--rate", "24", flavour="mp4", name="out.mp4")
+        self.assertEqual(tool("timecode", out), (0, b"10:00:00:00 24 fps (track 2)\n", ""))
 
     def test_a_dropped_number_is_no_timecode(self):
         self.assert_fails(2, "timecode", self.movie, "--set", "00:01:00;01", "--rate", "29.97", "-o", self.path("o.mov"))

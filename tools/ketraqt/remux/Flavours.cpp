@@ -112,7 +112,7 @@ constexpr FormatRow kFormats[] = {
     {fourCC("sawp"), kMobile},
     {fourCC("sqcp"), bit(QT::k3G2)},
     {fourCC("sevc"), bit(QT::k3G2)},
-    {fourCC("text"), kAllSound},
+    {fourCC("text"), kHome | kMobile | bit(QT::kM4A)},
     {fourCC("tx3g"), kHome | kMobile | bit(QT::kM4A)},
     {fourCC("tmcd"), kHome},
 };

@@ -123,7 +123,7 @@ double Planner::seconds() const {
 }
 
 void Planner::linkNew(std::size_t to, unsigned int type) {
-    for (std::size_t i = 0; i < to; ++i) {
+    for (std::size_t i = 0; i < plan_.tracks.size(); ++i) {
         const MediaKind kind = plan_.tracks[i]->kind();
         const bool names = kind == MediaKind::kVideo || (type == fourCC("chap") && kind == MediaKind::kSound);
         if (names) plan_.references.push_back({i, type, to});
@@ -138,8 +138,10 @@ void Planner::addNewTracks() {
             if (!isAllowed(plan_.flavour, MediaKind::kText, fourCC("text")))
                 throw ToolError(kNotAllowed,
                                 fmt::format("chapters have no place in {}", flavourName(plan_.flavour)));
-            plan_.tracks.push_back(std::make_unique<ChapterTrack>(chapters, lasts));
-            linkNew(plan_.tracks.size() - 1, fourCC("chap"));
+            // In front: there are readers that take the last "chap" that they meet for the reference, even
+            // the mark in the user data of the chapter track.
+            plan_.tracks.insert(plan_.tracks.begin(), std::make_unique<ChapterTrack>(chapters, lasts));
+            linkNew(0, fourCC("chap"));
         }
     }
     if (!options_.startTimecode.empty()) {
@@ -180,9 +182,9 @@ void Planner::plan() {
     for (QT::QTTrack* track : plan_.movie.getTracks()) {
         consider(*track);
     }
-    linkOld();
     if (plan_.tracks.empty()) throw ToolError(kMalformed, "there is no track with samples to be written");
     addNewTracks();
+    linkOld();
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "AtomicFile.h"
+#include "Atoms.h"
 #include "Output.h"
 #include "Progress.h"
 #include "Text.h"
@@ -9,11 +10,20 @@
 #include "remux/Remux.h"
 #include "remux/Verify.h"
 
+#include <qt/QTAtoms.h>
+
 #include <fmt/format.h>
 
 namespace Ketra::Tool {
 
 namespace {
+
+/// As its tables count them: of sound, more than packets.
+unsigned int samplesOf(const QT::QTTrack& track) {
+    const auto* sizes = atomAt<QT::STSZ>(
+        track.getTrak(), {QT::fourCC("mdia"), QT::fourCC("minf"), QT::fourCC("stbl"), QT::fourCC("stsz")});
+    return sizes ? sizes->getNumberOfEntries() : 0;
+}
 
 /// What the movie would be, without writing it.
 void printPlan(Plan& plan, const RemuxOptions& options) {
@@ -32,8 +42,7 @@ void printPlan(Plan& plan, const RemuxOptions& options) {
         const TrackInput& input = *plan.tracks[i];
         output.write(fmt::format("  track {}{}: {}, {} samples, {} bytes, {} s\n", track.getID(),
                                  input.sourceID() ? fmt::format(" (from {})", input.sourceID()) : " (new)",
-                                 codeText(storedFormat(track)), track.getSampleCount(),
-                                 track.getTotalDataSize(),
+                                 codeText(storedFormat(track)), samplesOf(track), track.getTotalDataSize(),
                                  secondsText(static_cast<std::int64_t>(track.getAtomMediaDuration()),
                                              track.getAtomMediaTimeScale())));
     }
