@@ -104,7 +104,7 @@ private:
     friend class QTUtils;
 
     void release();
-    bool writeContainer(wire::Output& out); // serializeContainer() behind what `out` holds
+    KETRA_QT_LOCAL bool writeContainer(wire::Output& out); // serializeContainer() behind what `out` holds
 
     std::uint64_t reserved_ = 0;
     std::uint64_t payloadLength_ = 0;

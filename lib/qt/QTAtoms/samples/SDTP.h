@@ -44,7 +44,7 @@ public:
 
 private:
     friend struct wire::Access;
-    bool write(wire::Output& out);
+    KETRA_QT_LOCAL bool write(wire::Output& out);
     template <class Self, class Io>
     static void layout(Self& a, Io& io);
 
