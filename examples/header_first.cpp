@@ -73,8 +73,8 @@ void writeMovie(const char* path) {
     movie->prepareForWriting();
     movie->updateAtomSizes();
 
-    // The header is serialized once for its length, and again with the chunks in their final places. (Media beyond
-    // 4 GiB would take longer offsets: repeat this until the length stays.)
+    // The header is serialized once for its length, and again with the chunks in their final places. (Media
+    // beyond 4 GiB would take longer offsets: repeat this until the length stays.)
     constexpr std::size_t kMediaHeader = 8;
     const std::size_t length = std::unique_ptr<QT::QTFrame>(movie->serializeRoot())->getDataLength();
     movie->addToAtomStcoOffsets(length + kMediaHeader);

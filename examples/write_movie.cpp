@@ -1,5 +1,5 @@
-// Writes a QuickTime movie from raw bytes: pictures, sound, chapter titles and a start timecode. The media comes
-// first, the header behind it.
+// Writes a QuickTime movie from raw bytes: pictures, sound, chapter titles and a start timecode. The media
+// comes first, the header behind it.
 //
 //     write_movie movie.mov
 #include <base/CFileStream.h>
@@ -38,12 +38,13 @@ void put32(Bytes& bytes, unsigned int value) {
 }
 
 /// A frame owns a block from malloc.
-std::unique_ptr<QT::QTFrame> makeFrame(const Bytes& bytes, double time, double duration, unsigned int samples) {
+std::unique_ptr<QT::QTFrame> makeFrame(const Bytes& bytes, double time, double duration,
+                                       unsigned int samples) {
     auto* block = static_cast<unsigned char*>(std::malloc(bytes.size()));
     if (!block) throw std::bad_alloc();
     std::memcpy(block, bytes.data(), bytes.size());
-    return std::make_unique<QT::QTFrame>(static_cast<unsigned int>(bytes.size()), block, time, duration, true, samples,
-                                         time + duration, time, false);
+    return std::make_unique<QT::QTFrame>(static_cast<unsigned int>(bytes.size()), block, time, duration, true,
+                                         samples, time + duration, time, false);
 }
 
 /// The file: what is written goes behind what was written before.
@@ -54,7 +55,8 @@ public:
     std::uint64_t position() const { return position_; }
     void write(const unsigned char* bytes, std::size_t count) {
         const auto length = static_cast<std::int64_t>(count);
-        if (count && stream_.write(bytes, length) != length) throw std::runtime_error("the movie cannot be written");
+        if (count && stream_.write(bytes, length) != length)
+            throw std::runtime_error("the movie cannot be written");
         position_ += count;
     }
     void patch(std::int64_t place, const Bytes& bytes) {
@@ -73,7 +75,8 @@ void saveChunk(QT::QTTrack& track, File& file) {
     file.write(chunk->getData(), chunk->getDataLength());
 }
 
-void add(QT::QTTrack& track, const Bytes& bytes, double time, double duration, unsigned int samples, File& file) {
+void add(QT::QTTrack& track, const Bytes& bytes, double time, double duration, unsigned int samples,
+         File& file) {
     track.addSample(makeFrame(bytes, time, duration, samples).get());
     if (track.getChunkFull()) saveChunk(track, file);
 }
@@ -101,7 +104,8 @@ Bytes picture(unsigned int number) { // three bytes a pixel
 Bytes tone(unsigned int number) { // one picture's time of 16-bit samples, least significant byte first
     Bytes samples;
     for (unsigned int i = 0; i < kSampleRate / kFramesPerSecond; ++i) {
-        const double t = static_cast<double>(number) / kFramesPerSecond + static_cast<double>(i) / kSampleRate;
+        const double t =
+            static_cast<double>(number) / kFramesPerSecond + static_cast<double>(i) / kSampleRate;
         const int value = static_cast<int>(8000 * std::sin(2 * 3.14159265358979 * 440 * t));
         samples.push_back(static_cast<unsigned char>(value & 0xFF));
         samples.push_back(static_cast<unsigned char>(value >> 8 & 0xFF));
@@ -135,7 +139,8 @@ void writeMedia(QT::QTMovie& movie, File& file) {
     sound.setChannels(1);
     sound.setBitsPerSample(16);
     sound.setSampleRate(kSampleRate);
-    auto& timecode = dynamic_cast<QT::QTTimeCodeTrack&>(beginTrack(movie, fourCC("tmcd"), kFramesPerSecond * 100));
+    auto& timecode =
+        dynamic_cast<QT::QTTimeCodeTrack&>(beginTrack(movie, fourCC("tmcd"), kFramesPerSecond * 100));
     timecode.setTimeScale(kFramesPerSecond * 100);
     timecode.setFrameDuration(100);
     timecode.setNumberOfFrames(kFramesPerSecond);
