@@ -39,8 +39,9 @@ class KETRA_QT_API QTChunk {
 public:
     /// Throws CException "Error resetting QTChunk." when the track has no sample sizes or chunk offsets.
     explicit QTChunk(QTTrack* track);
-    QTChunk(const QTChunk&) = default;
-    QTChunk& operator=(const QTChunk&) = default;
+    QTChunk(const QTChunk& other);            ///< a cursor of its own over the same track
+    QTChunk& operator=(const QTChunk& other); ///< likewise
+    ~QTChunk();
 
     // --- reading
     int reset(); ///< back to before the first sample; -1 without sample sizes or chunk offsets
@@ -100,7 +101,7 @@ private:
     friend class QTTrack;
 
     /// The bytes of the chunk being written.
-    class Collected {
+    class KETRA_QT_LOCAL Collected {
     public:
         Collected() = default;
         Collected(const Collected& other);

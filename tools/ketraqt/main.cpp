@@ -1,4 +1,5 @@
 // The command line.
+#include "Arguments.h"
 #include "Commands.h"
 #include "ToolError.h"
 #include "remux/Flavours.h"
@@ -171,7 +172,8 @@ struct CommandLine {
 int main(int argc, char** argv) {
     CommandLine line;
     try {
-        line.app.parse(argc, argv);
+        std::vector<std::string> given = arguments(argc, argv);
+        line.app.parse(std::vector<std::string>(given.rbegin(), given.rend())); // it takes them last first
     } catch (const CLI::ParseError& error) {
         return line.app.exit(error) == 0 ? kSuccess : kUsage;
     }

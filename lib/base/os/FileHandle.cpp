@@ -8,7 +8,9 @@
 
 #if defined(_WIN32)
 #define WIN32_LEAN_AND_MEAN
+#if !defined(NOMINMAX)
 #define NOMINMAX
+#endif
 #include <string>
 #include <windows.h>
 #else
@@ -86,7 +88,8 @@ std::int64_t readAt(std::intptr_t file, unsigned char* buffer, std::int64_t leng
     return transferAll(length, [&](std::int64_t done, std::int64_t part) -> std::int64_t {
         OVERLAPPED place = at(offset + done);
         DWORD moved = 0;
-        if (ReadFile(toHandle(file), buffer + done, static_cast<DWORD>(part), &moved, &place)) return moved;
+        if (ReadFile(toHandle(file), buffer + done, static_cast<DWORD>(part), &moved, &place))
+            return static_cast<std::int64_t>(moved);
         return GetLastError() == ERROR_HANDLE_EOF ? 0 : -1;
     });
 }
@@ -96,8 +99,8 @@ std::int64_t writeAt(std::intptr_t file, const unsigned char* buffer, std::int64
     return transferAll(length, [&](std::int64_t done, std::int64_t part) -> std::int64_t {
         OVERLAPPED place = at(offset + done);
         DWORD moved = 0;
-        return WriteFile(toHandle(file), buffer + done, static_cast<DWORD>(part), &moved, &place) ? moved
-                                                                                                  : -1;
+        if (!WriteFile(toHandle(file), buffer + done, static_cast<DWORD>(part), &moved, &place)) return -1;
+        return static_cast<std::int64_t>(moved);
     });
 }
 

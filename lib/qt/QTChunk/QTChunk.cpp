@@ -22,6 +22,10 @@ constexpr unsigned int kEmptyEdit = 0xFFFFFFFF;
 
 } // namespace
 
+QTChunk::QTChunk(const QTChunk&) = default;
+QTChunk& QTChunk::operator=(const QTChunk&) = default;
+QTChunk::~QTChunk() = default;
+
 QTChunk::QTChunk(QTTrack* track) : track_(track), index_(std::make_shared<wire::NavigatorIndex>()) {
     if (!track || reset() != 0) {
         QT_THROW(wire::area::kChunk, "Ketra::QT::QTChunk::QTChunk", "Error resetting QTChunk.");

@@ -1,4 +1,5 @@
 // Adding texts to the user data of a movie.
+#include <base/os/Macintosh.h>
 #include <qt/QTAtoms.h>
 #include <qt/QTMovie.h>
 #include <qt/QTTrack/detail/UserData.h>
@@ -6,7 +7,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <iconv.h>
 #include <string>
 
 namespace Ketra::QT {
@@ -15,28 +15,6 @@ namespace {
 
 constexpr unsigned short kEnglish = 0x15C7; // "eng", five bits a letter
 constexpr unsigned int kTextPrefix = 4;     // length and language of a QuickTime text
-
-/// UTF-8 as Macintosh text, up to the first character that has none. Systems know the character set by one of
-/// three names; where none is known, plain ASCII is what both sides share.
-std::string toMacintosh(const char* text, unsigned int length) {
-    std::string out(length, '\0');
-    for (const char* name : {"MacRoman", "MACINTOSH", "MAC"}) {
-        const iconv_t converter = iconv_open(name, "UTF-8");
-        if (converter == reinterpret_cast<iconv_t>(-1)) continue;
-        std::string in(text, length);
-        char* from = in.data();
-        std::size_t fromLeft = in.size();
-        char* to = out.data();
-        std::size_t toLeft = out.size();
-        iconv(converter, &from, &fromLeft, &to, &toLeft);
-        iconv_close(converter);
-        out.resize(out.size() - toLeft);
-        return out;
-    }
-    const char* end =
-        std::find_if(text, text + length, [](char c) { return static_cast<unsigned char>(c) > 0x7F; });
-    return std::string(text, end);
-}
 
 } // namespace
 
@@ -63,7 +41,7 @@ int QTMovie::addUserData(unsigned int type, unsigned int length, const char* tex
         if (length) std::memcpy(payload.data() + 6, text, length);
     } else {
         // length and language, then the text without its terminating zero byte
-        const std::string converted = toMacintosh(text, length);
+        const std::string converted = os::toMacintosh(text, length);
         const std::size_t counted = std::max<std::size_t>(1, converted.size());
         payload.resize(kTextPrefix + counted - 1);
         wire::store16(payload.data(), counted - 1);

@@ -37,7 +37,7 @@ Bytes stscFile(const std::vector<Chunk>& runs, const Bytes& behind = {}) {
     for (const Chunk& run : runs) {
         rest = rest + word(run[0]) + word(run[1]) + word(run[2]);
     }
-    return fullAtom("stsc", rest) + behind;
+    return tableAtom("stsc", rest) + behind;
 }
 
 /// Room for the chunks that a table states: the stream's length bounds them.
@@ -112,7 +112,7 @@ TEST(SampleToChunk, AFewBytesStateNoMoreChunksThanTheFileHasRoomFor) {
 }
 
 TEST(SampleToChunk, OnlyWholeEntriesAreRead) {
-    AtomFile file(fullAtom("stsc", hex("00000009 00000001 00000004 00000001 00000002 00000003 0000")));
+    AtomFile file(tableAtom("stsc", hex("00000009 00000001 00000004 00000001 00000002 00000003 0000")));
     const auto stsc = file.parse<STSC>();
     EXPECT_EQ(stsc->getNumberOfEntries(), 1U);
     EXPECT_EQ(take(stsc->serialize()).size(), 28U);
@@ -219,7 +219,7 @@ TEST(SampleToChunk, LikeThePlainExpansion) {
 }
 
 TEST(ChunkOffsets, WideTablesAreHeldAsNarrowOnes) {
-    const Bytes bytes = fullAtom("co64", hex("00000002 00000000 00000010 00000001 00000000"));
+    const Bytes bytes = tableAtom("co64", hex("00000002 00000000 00000010 00000001 00000000"));
     for (const int mode : {1, 64}) {
         AtomFile file(bytes);
         STCO stco(file.header().release(), mode);
@@ -232,7 +232,7 @@ TEST(ChunkOffsets, WideTablesAreHeldAsNarrowOnes) {
         EXPECT_EQ(take(stco.serialize()), bytes) << "from records";
         EXPECT_TRUE(STCO(stco).is64Bit());
     }
-    AtomFile file(fullAtom("stco", hex("00000001 00000010")));
+    AtomFile file(tableAtom("stco", hex("00000001 00000010")));
     STCO narrow(file.header().release(), 32);
     EXPECT_EQ(narrow.parse(), 0);
     EXPECT_FALSE(narrow.is64Bit());
@@ -247,7 +247,7 @@ TEST(ChunkOffsets, LargeOffsetMakesTheTableWide) {
     EXPECT_EQ(stco.addChunkOffset(new STCOData(0x100000000)), 0);
     EXPECT_TRUE(stco.is64Bit());
     EXPECT_EQ(stco.getSize(), 24U) << "by four, whatever the width";
-    const Bytes wide = fullAtom("co64", hex("00000002 00000000 FFFFFFFF 00000001 00000000"));
+    const Bytes wide = tableAtom("co64", hex("00000002 00000000 FFFFFFFF 00000001 00000000"));
     EXPECT_EQ(take(stco.serialize()), wide) << "as long as the entries need";
     EXPECT_EQ(stco.updateSize(), 32U);
     EXPECT_EQ(take(stco.serialize()), wide);
@@ -258,17 +258,17 @@ TEST(ChunkOffsets, LargeOffsetMakesTheTableWide) {
 }
 
 TEST(ChunkOffsets, MovingTheDataMovesEveryChunk) {
-    AtomFile file(fullAtom("stco", hex("00000002 00000010 FFFFFFF0")));
+    AtomFile file(tableAtom("stco", hex("00000002 00000010 FFFFFFF0")));
     const auto stco = file.parse<STCO>();
     const STCO before(*stco);
     EXPECT_EQ(stco->addToOffsets(15), 0);
     EXPECT_TRUE(wire::Access::table(*stco).packed()) << "no object a chunk";
     EXPECT_FALSE(stco->is64Bit());
-    EXPECT_EQ(rewritten(*stco), fullAtom("stco", hex("00000002 0000001F FFFFFFFF")));
+    EXPECT_EQ(rewritten(*stco), tableAtom("stco", hex("00000002 0000001F FFFFFFFF")));
     stco->addToOffsets(1);
     EXPECT_TRUE(wire::Access::table(*stco).packed());
     EXPECT_TRUE(stco->is64Bit());
-    EXPECT_EQ(rewritten(*stco), fullAtom("co64", hex("00000002 00000000 00000020 00000001 00000000")));
+    EXPECT_EQ(rewritten(*stco), tableAtom("co64", hex("00000002 00000000 00000020 00000001 00000000")));
     EXPECT_EQ(before.getChunkOffsetData(0)->getOffset(), 0x10U);
 
     STCO built;
@@ -282,7 +282,7 @@ TEST(ChunkOffsets, MovingTheDataMovesEveryChunk) {
 }
 
 TEST(ChunkOffsets, PackedAppendWidens) {
-    AtomFile file(fullAtom("stco", hex("00000001 00000010")));
+    AtomFile file(tableAtom("stco", hex("00000001 00000010")));
     const auto stco = file.parse<STCO>();
     auto& table = wire::Access::table(*stco);
     table.append(0x20);
@@ -291,23 +291,23 @@ TEST(ChunkOffsets, PackedAppendWidens) {
     EXPECT_TRUE(table.packed());
     EXPECT_TRUE(stco->is64Bit());
     EXPECT_EQ(rewritten(*stco),
-              fullAtom("co64", hex("00000003 00000000 00000010 00000000 00000020 00000012 00000034")));
+              tableAtom("co64", hex("00000003 00000000 00000010 00000000 00000020 00000012 00000034")));
 }
 
 TEST(ChunkOffsets, WrongCountFailsToBeWritten) {
-    AtomFile file(fullAtom("stco", hex("00000003 00000010 00000020 0000")));
+    AtomFile file(tableAtom("stco", hex("00000003 00000010 00000020 0000")));
     const auto stco = file.parse<STCO>();
     EXPECT_EQ(stco->getNumberOfEntries(), 3U);
     EXPECT_EQ(stco->getChunkOffsetTable().size(), 2U);
     EXPECT_EQ(stco->getChunkOffsetData(2), nullptr);
     EXPECT_EQ(stco->updateSize(), 28U);
     expectThrow(*stco, "Ketra::QT::STCO::serialize", "Wrong number of entries in STSC-table");
-    AtomFile wide(fullAtom("co64", hex("00000002 00000000 00000010 00000020")));
+    AtomFile wide(tableAtom("co64", hex("00000002 00000000 00000010 00000020")));
     EXPECT_EQ(wide.parse<STCO>()->getChunkOffsetTable().size(), 1U);
 }
 
 TEST(ChunkOffsets, IteratorIsSetByPosition) {
-    AtomFile file(fullAtom("stco", hex("00000002 00000010 00000020")));
+    AtomFile file(tableAtom("stco", hex("00000002 00000010 00000020")));
     const auto stco = file.parse<STCO>();
     EXPECT_EQ(stco->setIterator(2), 0);
     EXPECT_EQ(stco->getCurrentChunkOffsetData()->getOffset(), 0x20U);
@@ -316,13 +316,13 @@ TEST(ChunkOffsets, IteratorIsSetByPosition) {
     stco->resetTableIterator();
     EXPECT_EQ(stco->getCurrentChunkOffsetData()->getOffset(), 0x10U);
     EXPECT_EQ(stco->getCurrentChunkOffsetData()->setOffset(0x30), 0);
-    EXPECT_EQ(rewritten(*stco), fullAtom("stco", hex("00000002 00000030 00000020")));
+    EXPECT_EQ(rewritten(*stco), tableAtom("stco", hex("00000002 00000030 00000020")));
 }
 
 TEST(SampleSizes, EqualSizesBecomeTheConstant) {
-    AtomFile file(fullAtom("stsz", hex("00000000 00000003 00000064 00000064 00000064")));
+    AtomFile file(tableAtom("stsz", hex("00000000 00000003 00000064 00000064 00000064")));
     const auto stsz = file.parse<STSZ>();
-    EXPECT_EQ(take(stsz->serialize()), fullAtom("stsz", hex("00000064 00000003")));
+    EXPECT_EQ(take(stsz->serialize()), tableAtom("stsz", hex("00000064 00000003")));
     EXPECT_EQ(stsz->getSize(), 20U);
     EXPECT_EQ(stsz->updateSize(), 20U);
     EXPECT_EQ(stsz->getSampleSize(), 0U) << "what is held stays";
@@ -330,20 +330,20 @@ TEST(SampleSizes, EqualSizesBecomeTheConstant) {
 }
 
 TEST(SampleSizes, ConstantAnswersEveryIndex) {
-    AtomFile file(fullAtom("stsz", hex("00000200 0000000A")));
+    AtomFile file(tableAtom("stsz", hex("00000200 0000000A")));
     const auto stsz = file.parse<STSZ>();
     EXPECT_TRUE(stsz->getSampleSizeTable().empty());
     EXPECT_EQ(stsz->getSampleSizeData(7)->getSize(), 512U);
     EXPECT_EQ(stsz->getSampleSizeTable().size(), 1U);
     EXPECT_EQ(stsz->getNumberOfEntries(), 10U);
-    EXPECT_EQ(rewritten(*stsz), fullAtom("stsz", hex("00000200 0000000A")));
+    EXPECT_EQ(rewritten(*stsz), tableAtom("stsz", hex("00000200 0000000A")));
 
-    AtomFile table(fullAtom("stsz", hex("00000000 00000003 00000001 00000002 00000003")));
+    AtomFile table(tableAtom("stsz", hex("00000000 00000003 00000001 00000002 00000003")));
     EXPECT_EQ(table.parse<STSZ>()->getSampleSizeData(7)->getSize(), 3U);
 }
 
 TEST(SampleSizes, TableBehindAConstantIsNotRead) {
-    AtomFile file(fullAtom("stsz", hex("00000200 00000002 00000001 00000002")));
+    AtomFile file(tableAtom("stsz", hex("00000200 00000002 00000001 00000002")));
     EXPECT_TRUE(file.parse<STSZ>()->getSampleSizeTable().empty());
 }
 
@@ -362,7 +362,7 @@ TEST(SampleSizes, CalculatedSizes) {
 }
 
 TEST(SampleSizes, WrongCountFailsToBeWritten) {
-    AtomFile file(fullAtom("stsz", hex("00000000 00000003 00000001 00000002"))); // 28 bytes
+    AtomFile file(tableAtom("stsz", hex("00000000 00000003 00000001 00000002"))); // 28 bytes
     const auto stsz = file.parse<STSZ>();
     EXPECT_EQ(stsz->getSampleSizeTable().size(), 2U);
     EXPECT_EQ(stsz->updateSize(), 32U);
@@ -372,13 +372,13 @@ TEST(SampleSizes, WrongCountFailsToBeWritten) {
     expectThrow(*stsz, "Ketra::QT::STSZ::serialize",
                 "Wrong number of entries in STSZ-table (NumOfEntries / actual count = 2147483647 / 2)");
     stsz->getSampleSizeData(1)->setSize(1);
-    EXPECT_EQ(rewritten(*stsz), fullAtom("stsz", hex("00000001 7FFFFFFF"))) << "no table, no count to check";
+    EXPECT_EQ(rewritten(*stsz), tableAtom("stsz", hex("00000001 7FFFFFFF"))) << "no table, no count to check";
 }
 
 TEST(SampleSizes, EmptyTableWritesTheCount) {
     STSZ stsz;
     stsz.setNumberOfEntries(4);
-    EXPECT_EQ(rewritten(stsz), fullAtom("stsz", hex("00000000 00000004")));
+    EXPECT_EQ(rewritten(stsz), tableAtom("stsz", hex("00000000 00000004")));
     EXPECT_EQ(stsz.setSize(99), 0);
     EXPECT_EQ(stsz.getSize(), 99U) << "the atom's size";
     EXPECT_EQ(take(stsz.serialize()).size(), 20U);
@@ -390,7 +390,7 @@ TEST(SampleSizes, TableIsReplaced) {
     EXPECT_EQ(stsz.setSampleSizeTable({stsz.getSampleSizeData(0), new STSZData(2), new STSZData(3)}), 0);
     EXPECT_EQ(stsz.getNumberOfEntries(), 3U);
     EXPECT_EQ(stsz.getSize(), 24U) << "the stored size stays";
-    EXPECT_EQ(rewritten(stsz), fullAtom("stsz", hex("00000000 00000003 00000001 00000002 00000003")));
+    EXPECT_EQ(rewritten(stsz), tableAtom("stsz", hex("00000000 00000003 00000001 00000002 00000003")));
     EXPECT_EQ(stsz.setIterator(3), 0);
     EXPECT_EQ(stsz.getCurrentSampleSizeData()->getSize(), 3U);
     stsz.increaseIterator();

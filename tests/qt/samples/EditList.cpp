@@ -47,23 +47,23 @@ TEST(EditList, AppendingGrowsCountAndSize) {
     EXPECT_EQ(elst.addEditListEntry(new ELSTData(600, -1, 1.0F)), 0);
     EXPECT_EQ(elst.getSize(), 28U);
     EXPECT_EQ(elst.getNumberOfEntries(), 1U);
-    EXPECT_EQ(take(elst.serialize()), fullAtom("elst", hex("00000001 00000258 FFFFFFFF 00010000")));
+    EXPECT_EQ(take(elst.serialize()), tableAtom("elst", hex("00000001 00000258 FFFFFFFF 00010000")));
     ELSTData* edit = elst.getEditListData(0);
     EXPECT_EQ(edit->setDuration(1), 0);
     EXPECT_EQ(edit->setMediaTime(-2), 0);
     EXPECT_EQ(edit->setMediaRate(2.0F), 0);
-    EXPECT_EQ(take(elst.serialize()), fullAtom("elst", hex("00000001 00000001 FFFFFFFE 00020000")));
+    EXPECT_EQ(take(elst.serialize()), tableAtom("elst", hex("00000001 00000001 FFFFFFFE 00020000")));
 }
 
 TEST(EditList, OnlyWholeEntriesAreRead) {
-    AtomFile file(fullAtom("elst", hex("00000003 00000001 00000002 00010000 00000001 00000002 0001")));
+    AtomFile file(tableAtom("elst", hex("00000003 00000001 00000002 00010000 00000001 00000002 0001")));
     const auto elst = file.parse<ELST>();
     EXPECT_EQ(elst->getNumberOfEntries(), 3U);
     EXPECT_EQ(elst->getEditListTable().size(), 1U);
     expectThrow(*elst, "Ketra::QT::ELST::serialize", "Wrong number of entries in ELST-table");
     elst->setNumberOfEntries(1);
     EXPECT_EQ(elst->updateSize(), 28U);
-    EXPECT_EQ(take(elst->serialize()), fullAtom("elst", hex("00000001 00000001 00000002 00010000")));
+    EXPECT_EQ(take(elst->serialize()), tableAtom("elst", hex("00000001 00000001 00000002 00010000")));
 }
 
 TEST(EditList, VersionOneIsReadLikeVersionZero) {
@@ -92,7 +92,7 @@ TEST(EditList, TableIsReplaced) {
 }
 
 TEST(EditList, EditsContainerDropsWhatItDoesNotKnow) {
-    const Bytes list = fullAtom("elst", hex("00000001 00000001 00000002 00010000"));
+    const Bytes list = tableAtom("elst", hex("00000001 00000001 00000002 00010000"));
     AtomFile file(atom("edts", atom("abcd", {1, 2}) + list));
     int result = -1;
     const auto edts = file.parse<EDTS>(&result);

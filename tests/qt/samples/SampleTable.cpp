@@ -22,7 +22,8 @@ namespace {
 
 using namespace Ketra::QT;
 
-const Bytes kChunks = fullAtom("stsc", hex("00000002 00000001 00000004 00000001 00000003 00000002 00000001"));
+const Bytes kChunks =
+    tableAtom("stsc", hex("00000002 00000001 00000004 00000001 00000003 00000002 00000001"));
 
 std::unique_ptr<STBL> read(AtomFile& file) {
     int result = -1;
@@ -42,7 +43,7 @@ void expectChunk(const STSC& stsc, unsigned int i, unsigned int first, unsigned 
 }
 
 TEST(SampleTable, LastRunGoesOnToTheLastChunk) {
-    const Bytes offsets = fullAtom("stco", hex("00000005 00000001 00000002 00000003 00000004 00000005"));
+    const Bytes offsets = tableAtom("stco", hex("00000005 00000001 00000002 00000003 00000004 00000005"));
     AtomFile file(atom("stbl", kChunks + offsets));
     const auto stbl = read(file);
     auto* stsc = wire::child<STSC>(stbl.get(), fourCC("stsc"));
@@ -62,7 +63,7 @@ TEST(SampleTable, LastRunGoesOnToTheLastChunk) {
 }
 
 TEST(SampleTable, ChunksAreCountedByTheOffsetsHeld) {
-    AtomFile file(atom("stbl", fullAtom("co64", hex("00000009") + repeat(0, 32)) + kChunks));
+    AtomFile file(atom("stbl", tableAtom("co64", hex("00000009") + repeat(0, 32)) + kChunks));
     const auto stbl = read(file);
     const auto* stco = wire::child<STCO>(stbl.get(), fourCC("stco"));
     ASSERT_TRUE(stco) << "held under the narrow type";
@@ -73,25 +74,25 @@ TEST(SampleTable, ChunksAreCountedByTheOffsetsHeld) {
 
 TEST(SampleTable, NothingIsFilledWithoutRunsOrOffsets) {
     AtomFile empty(
-        atom("stbl", fullAtom("stsc", hex("00000000")) + fullAtom("stco", hex("00000001 00000001"))));
+        atom("stbl", tableAtom("stsc", hex("00000000")) + tableAtom("stco", hex("00000001 00000001"))));
     EXPECT_EQ(wire::child<STSC>(read(empty).get(), fourCC("stsc"))->getNumberOfEntries(), 0U);
     AtomFile alone(atom("stbl", kChunks));
     EXPECT_EQ(wire::child<STSC>(read(alone).get(), fourCC("stsc"))->getNumberOfEntries(), 3U);
-    AtomFile fewer(atom("stbl", kChunks + fullAtom("stco", hex("00000001 00000001"))));
+    AtomFile fewer(atom("stbl", kChunks + tableAtom("stco", hex("00000001 00000001"))));
     EXPECT_EQ(wire::child<STSC>(read(fewer).get(), fourCC("stsc"))->getNumberOfEntries(), 3U);
 }
 
 TEST(SampleTable, EmptySyncTableIsDropped) {
-    const Bytes empty = fullAtom("stss", hex("00000000"));
-    const Bytes full = fullAtom("stss", hex("00000001 00000001"));
-    const Bytes sizes = fullAtom("stsz", hex("00000001 00000001"));
+    const Bytes empty = tableAtom("stss", hex("00000000"));
+    const Bytes full = tableAtom("stss", hex("00000001 00000001"));
+    const Bytes sizes = tableAtom("stsz", hex("00000001 00000001"));
     AtomFile one(atom("stbl", empty + sizes));
     EXPECT_EQ(rewritten(*read(one)), atom("stbl", sizes));
     AtomFile several(atom("stbl", join({empty, sizes, full, empty})));
     EXPECT_EQ(rewritten(*read(several)), atom("stbl", sizes)) << "the first one decides for all";
     AtomFile first(atom("stbl", join({full, sizes})));
     EXPECT_EQ(read(first)->getChildren().size(), 2U);
-    AtomFile promised(atom("stbl", fullAtom("stss", hex("00000005"))));
+    AtomFile promised(atom("stbl", tableAtom("stss", hex("00000005"))));
     EXPECT_EQ(read(promised)->getChildren().size(), 1U) << "the count decides, not the table";
 }
 
@@ -125,7 +126,7 @@ TEST(SampleTable, EveryTypeBecomesItsClass) {
 }
 
 TEST(SampleTable, DependenciesOfAFileStayBytes) {
-    const Bytes sdtp = fullAtom("sdtp", hex("20 08 FF"));
+    const Bytes sdtp = tableAtom("sdtp", hex("20 08 FF"));
     AtomFile file(atom("stbl", sdtp));
     const auto stbl = read(file);
     EXPECT_EQ(wire::child<SDTP>(stbl.get(), fourCC("sdtp")), nullptr);
@@ -142,7 +143,7 @@ TEST(SampleTable, StraySampleEntriesAreAllVisual) {
 }
 
 TEST(SampleTable, EndsWhereTheFileEnds) {
-    const Bytes sizes = fullAtom("stsz", hex("00000001 00000001"));
+    const Bytes sizes = tableAtom("stsz", hex("00000001 00000001"));
     Bytes bytes = atom("stbl", sizes + kChunks);
     bytes.resize(8 + sizes.size() + 4);
     AtomFile file(bytes);
@@ -150,7 +151,7 @@ TEST(SampleTable, EndsWhereTheFileEnds) {
 }
 
 TEST(SampleTable, ChildThatCannotBeReadEndsTheRead) {
-    AtomFile file(atom("stbl", fullAtom("stsz", hex("00000001 00000001")) + hex("00000008 'stts'")));
+    AtomFile file(atom("stbl", tableAtom("stsz", hex("00000001 00000001")) + hex("00000008 'stts'")));
     int result = 0;
     const auto stbl = file.parse<STBL>(&result);
     EXPECT_EQ(result, -1);
@@ -158,8 +159,8 @@ TEST(SampleTable, ChildThatCannotBeReadEndsTheRead) {
 }
 
 TEST(SampleTable, CompositionOfZerosIsLeftOut) {
-    const Bytes sizes = fullAtom("stsz", hex("00000001 00000001"));
-    AtomFile file(atom("stbl", fullAtom("ctts", hex("00000001 00000001 00000000")) + sizes));
+    const Bytes sizes = tableAtom("stsz", hex("00000001 00000001"));
+    AtomFile file(atom("stbl", tableAtom("ctts", hex("00000001 00000001 00000000")) + sizes));
     EXPECT_EQ(rewritten(*read(file)), atom("stbl", sizes));
 }
 

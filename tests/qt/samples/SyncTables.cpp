@@ -20,7 +20,7 @@ public:
         return std::is_same_v<Table, STSS> ? "Ketra::QT::STSS::serialize" : "Ketra::QT::STPS::serialize";
     }
     static Bytes file(const Bytes& rest) {
-        return std::is_same_v<Table, STSS> ? fullAtom("stss", rest) : fullAtom("stps", rest);
+        return std::is_same_v<Table, STSS> ? tableAtom("stss", rest) : tableAtom("stps", rest);
     }
 };
 
@@ -102,7 +102,7 @@ TEST(SampleDependencies, OneByteASampleAndNoCount) {
     EXPECT_EQ(sdtp.addSampleDep(new STSSData(0x08)), 0);
     EXPECT_EQ(sdtp.getSize(), 14U);
     EXPECT_EQ(sdtp.updateSize(), 14U);
-    EXPECT_EQ(take(sdtp.serialize()), fullAtom("sdtp", hex("20 08")));
+    EXPECT_EQ(take(sdtp.serialize()), tableAtom("sdtp", hex("20 08")));
     EXPECT_EQ(sdtp.getSampleDepData(0)->getNumber(), 0x120U) << "only writing cuts";
     EXPECT_EQ(sdtp.getSampleDepData(2), nullptr);
     EXPECT_EQ(sdtp.setIterator(2), 0);
@@ -116,7 +116,7 @@ TEST(SampleDependencies, EmptyTableIsNotWritten) {
     EXPECT_EQ(sdtp.updateSize(), 0U);
     EXPECT_EQ(sdtp.getSize(), 0U);
     sdtp.addSampleDep(new STSSData(7)); // the stored size is now 1
-    EXPECT_EQ(take(sdtp.serialize()), fullAtom("sdtp", {7}));
+    EXPECT_EQ(take(sdtp.serialize()), tableAtom("sdtp", {7}));
 }
 
 TEST(SampleDependencies, ReplacedTableSetsTheSize) {
@@ -143,7 +143,7 @@ TEST(Priorities, FourBytesOfPaddingFollow) {
 }
 
 TEST(Priorities, WhatWasReadHasNoCount) {
-    AtomFile file(fullAtom("stdp", hex("0001 0002 0003 0000 0000")));
+    AtomFile file(tableAtom("stdp", hex("0001 0002 0003 0000 0000")));
     int result = -1;
     const auto stdp = file.parse<STDP>(&result);
     EXPECT_EQ(result, 0);
@@ -158,14 +158,14 @@ TEST(Priorities, WhatWasReadHasNoCount) {
 }
 
 TEST(Priorities, HalfAPriorityIsNone) {
-    AtomFile one(fullAtom("stdp", {1}));
+    AtomFile one(tableAtom("stdp", {1}));
     EXPECT_TRUE(one.parse<STDP>()->getDegradationPriorityTable().empty());
-    AtomFile five(fullAtom("stdp", hex("0001 0002 03")));
+    AtomFile five(tableAtom("stdp", hex("0001 0002 03")));
     EXPECT_EQ(five.parse<STDP>()->getDegradationPriorityTable().size(), 2U);
 }
 
 TEST(Priorities, ReplacedTableSetsCountAndSize) {
-    AtomFile file(fullAtom("stdp", hex("0001 0002")));
+    AtomFile file(tableAtom("stdp", hex("0001 0002")));
     const auto stdp = file.parse<STDP>();
     EXPECT_EQ(stdp->setDegradationPriorityTable(stdp->getDegradationPriorityTable()), 0);
     EXPECT_EQ(stdp->getNumberOfEntries(), 2U);

@@ -10,7 +10,9 @@
 namespace test {
 
 /// A full atom of version and flags 0.
-inline Bytes fullAtom(const char (&type)[5], const Bytes& rest) { return atom(type, hex("00000000") + rest); }
+inline Bytes tableAtom(const char (&type)[5], const Bytes& rest) {
+    return atom(type, hex("00000000") + rest);
+}
 
 /// Bytes of an atom after updateSize(); empty for none.
 inline Bytes rewritten(Ketra::QT::QTAtom& atom) {

@@ -22,7 +22,7 @@ std::unique_ptr<Table> tableOf(const char (&type)[5], const Runs& runs) {
     for (std::size_t i = 0; i < runs.size(); ++i) {
         wire::RunBytes::write(bytes.data() + 4 + 8 * i, runs[i]);
     }
-    AtomFile file(fullAtom(type, bytes));
+    AtomFile file(tableAtom(type, bytes));
     return file.parse<Table>();
 }
 

@@ -18,7 +18,7 @@ void add(CTTS& ctts, unsigned int count, unsigned int offset) {
 }
 
 TEST(TimeToSample, CountOfZeroIsAnEmptyTable) {
-    AtomFile file(fullAtom("stts", hex("00000000 00000001 00000064")));
+    AtomFile file(tableAtom("stts", hex("00000000 00000001 00000064")));
     const auto stts = file.parse<STTS>();
     EXPECT_EQ(stts->getNumberOfEntries(), 0U);
     EXPECT_TRUE(stts->getTimeToSampleTable().empty());
@@ -58,10 +58,10 @@ TEST(TimeToSample, OnlyNeighboursMerge) {
 }
 
 TEST(TimeToSample, ParsedRunsMergeToo) {
-    AtomFile file(fullAtom("stts", hex("00000004 00000001 0000000A 00000002 0000000A 00000001 0000000B "
-                                       "00000001 0000000B")));
+    AtomFile file(tableAtom("stts", hex("00000004 00000001 0000000A 00000002 0000000A 00000001 0000000B "
+                                        "00000001 0000000B")));
     const auto stts = file.parse<STTS>();
-    EXPECT_EQ(rewritten(*stts), fullAtom("stts", hex("00000002 00000003 0000000A 00000002 0000000B")));
+    EXPECT_EQ(rewritten(*stts), tableAtom("stts", hex("00000002 00000003 0000000A 00000002 0000000B")));
 }
 
 TEST(TimeToSample, SumsWrapAt32Bits) {
@@ -104,7 +104,7 @@ TEST(TimeToSample, IteratorIsSetByPosition) {
 }
 
 TEST(TimeToSample, CountBeyondTheEntriesFailsToBeWritten) {
-    AtomFile file(fullAtom("stts", hex("00000009 00000001 0000000A 00000001 0000000B")));
+    AtomFile file(tableAtom("stts", hex("00000009 00000001 0000000A 00000001 0000000B")));
     int result = -1;
     const auto stts = file.parse<STTS>(&result);
     EXPECT_EQ(result, 0);
@@ -115,7 +115,7 @@ TEST(TimeToSample, CountBeyondTheEntriesFailsToBeWritten) {
 }
 
 TEST(TimeToSample, UpdatingTheSizeRepairsTheCount) {
-    AtomFile file(fullAtom("stts", hex("00000009 00000001 0000000A 00000001 0000000B")));
+    AtomFile file(tableAtom("stts", hex("00000009 00000001 0000000A 00000001 0000000B")));
     const auto stts = file.parse<STTS>();
     EXPECT_EQ(stts->updateSize(), 32U);
     EXPECT_EQ(stts->getNumberOfEntries(), 2U);
@@ -131,10 +131,10 @@ TEST(TimeToSample, EmptyTableKeepsItsCount) {
 }
 
 TEST(TimeToSample, BytesBehindTheEntriesAreNotEntries) {
-    AtomFile file(fullAtom("stts", hex("00000001 00000001 0000000A 00000001 0000000B")));
+    AtomFile file(tableAtom("stts", hex("00000001 00000001 0000000A 00000001 0000000B")));
     const auto stts = file.parse<STTS>();
     EXPECT_EQ(stts->getTimeToSampleTable().size(), 1U);
-    EXPECT_EQ(rewritten(*stts), fullAtom("stts", hex("00000001 00000001 0000000A")));
+    EXPECT_EQ(rewritten(*stts), tableAtom("stts", hex("00000001 00000001 0000000A")));
 }
 
 TEST(TimeToSample, NullIsNotTaken) {
@@ -178,13 +178,13 @@ TEST(TimeToSample, CopiesHaveRecordsOfTheirOwn) {
 }
 
 TEST(TimeToSample, RecordsChangeTheTable) {
-    AtomFile file(fullAtom("stts", hex("00000001 00000001 0000000A")));
+    AtomFile file(tableAtom("stts", hex("00000001 00000001 0000000A")));
     const auto stts = file.parse<STTS>();
     STTSData* data = stts->getTimeToSampleData(0);
     data->setSampleCount(7);
     data->setDuration(9);
     EXPECT_EQ(stts->getSumOfDurations(), 63U);
-    EXPECT_EQ(rewritten(*stts), fullAtom("stts", hex("00000001 00000007 00000009")));
+    EXPECT_EQ(rewritten(*stts), tableAtom("stts", hex("00000001 00000007 00000009")));
 }
 
 TEST(TimeToSample, FlagBytesAreReversedAndCut) {
@@ -229,7 +229,7 @@ TEST(Composition, AppendingToATableOfNoSizeStillWritesAll) {
     ctts.updateSize(); // 0
     add(ctts, 2, 7);
     EXPECT_EQ(ctts.getSize(), 8U);
-    EXPECT_EQ(take(ctts.serialize()), fullAtom("ctts", hex("00000001 00000002 00000007")));
+    EXPECT_EQ(take(ctts.serialize()), tableAtom("ctts", hex("00000001 00000002 00000007")));
 }
 
 TEST(Composition, NeighboursOfEqualOffsetMerge) {
@@ -237,7 +237,7 @@ TEST(Composition, NeighboursOfEqualOffsetMerge) {
     add(ctts, 1, 0);
     add(ctts, 1, 0);
     add(ctts, 1, 2);
-    EXPECT_EQ(take(ctts.serialize()), fullAtom("ctts", hex("00000002 00000002 00000000 00000001 00000002")));
+    EXPECT_EQ(take(ctts.serialize()), tableAtom("ctts", hex("00000002 00000002 00000000 00000001 00000002")));
     EXPECT_EQ(ctts.compact(), 0);
     EXPECT_EQ(ctts.getNumberOfEntries(), 2U);
     CTTS empty;
@@ -247,7 +247,7 @@ TEST(Composition, NeighboursOfEqualOffsetMerge) {
 }
 
 TEST(Composition, NegativeOffsetsSurvive) {
-    const Bytes bytes = fullAtom("ctts", hex("00000001 00000001 FFFFFFFF"));
+    const Bytes bytes = tableAtom("ctts", hex("00000001 00000001 FFFFFFFF"));
     AtomFile file(bytes);
     const auto ctts = file.parse<CTTS>();
     EXPECT_EQ(ctts->getCompositionTimeData(0)->getSampleOffset(), -1);
@@ -257,11 +257,11 @@ TEST(Composition, NegativeOffsetsSurvive) {
 }
 
 TEST(Composition, CountBeyondTheEntriesFailsToBeWritten) {
-    AtomFile file(fullAtom("ctts", hex("00000003 00000001 00000002")));
+    AtomFile file(tableAtom("ctts", hex("00000003 00000001 00000002")));
     const auto ctts = file.parse<CTTS>();
     EXPECT_EQ(ctts->getCompositionTimeTable().size(), 1U);
     expectThrow(*ctts, "Ketra::QT::CTTS::serialize", "Wrong number of entries in CTTS-table");
-    AtomFile zeros(fullAtom("ctts", hex("00000003 00000001 00000000")));
+    AtomFile zeros(tableAtom("ctts", hex("00000003 00000001 00000000")));
     const auto nothing = zeros.parse<CTTS>();
     EXPECT_EQ(take(nothing->serialize()), Bytes()) << "a table that is not written cannot be wrong";
 }

@@ -1,0 +1,12 @@
+# The header-only libraries of the tool serve every compiler; the rest of the host's headers must not be seen.
+set(KETRAQT_HOST_INCLUDE /usr/include CACHE PATH "Where CLI, nlohmann and fmt lie")
+set(KETRAQT_LINKED_INCLUDE ${PROJECT_BINARY_DIR}/host-include)
+file(MAKE_DIRECTORY ${KETRAQT_LINKED_INCLUDE})
+foreach(folder CLI nlohmann fmt)
+    file(CREATE_LINK ${KETRAQT_HOST_INCLUDE}/${folder} ${KETRAQT_LINKED_INCLUDE}/${folder} SYMBOLIC)
+endforeach()
+foreach(target CLI11::CLI11 nlohmann_json::nlohmann_json fmt::fmt)
+    add_library(${target} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${target} INTERFACE ${KETRAQT_LINKED_INCLUDE})
+endforeach()
+target_compile_definitions(fmt::fmt INTERFACE FMT_HEADER_ONLY)
