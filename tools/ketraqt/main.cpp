@@ -169,7 +169,7 @@ struct CommandLine {
 
 } // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     CommandLine line;
     try {
         std::vector<std::string> given = arguments(argc, argv);
@@ -178,4 +178,7 @@ int main(int argc, char** argv) {
         return line.app.exit(error) == 0 ? kSuccess : kUsage;
     }
     return line.run();
+} catch (const std::exception& error) { // memory, for one, may be out at any time
+    std::fprintf(stderr, "ketraqt: %s\n", error.what());
+    return kCannotRead;
 }

@@ -5,6 +5,7 @@
 #include <qt/QTTrack/QTTrack.h>
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace Ketra::QT {
@@ -38,9 +39,9 @@ public:
     unsigned int getParameter() const { return parameter_; } ///< of the encoding: audio channels
     int setParameter(unsigned int v) { return parameter_ = v, 0; }
     CString getEncoding() const { return encoding_; } ///< RTP encoding name, such as "AMR"
-    int setEncoding(CString v) { return encoding_ = v, 0; }
+    int setEncoding(CString v) { return encoding_ = std::move(v), 0; }
     CString getTransport() const { return transport_; } ///< such as "RTP/AVP"
-    int setTransport(CString v) { return transport_ = v, 0; }
+    int setTransport(CString v) { return transport_ = std::move(v), 0; }
     /// Further lines of the session description, without line ends.
     std::vector<CString> getAttributes() const { return attributes_; }
     int setAttributes(const std::vector<CString>& v) { return attributes_ = v, 0; }
