@@ -5,8 +5,11 @@
 #if !defined(NOMINMAX)
 #define NOMINMAX
 #endif
-#include <shellapi.h>
+// The second needs the first.
+// clang-format off
 #include <windows.h>
+#include <shellapi.h>
+// clang-format on
 #endif
 
 namespace Ketra::Tool {
