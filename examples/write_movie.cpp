@@ -123,7 +123,9 @@ Bytes title(const std::string& text) { // a 16-bit length and the text
 
 /// One edit over the whole track, its start in ticks of the media.
 void showAll(QT::QTTrack& track) {
-    track.addAtomEditListEntry(new QT::ELSTData(track.getAtomHeaderDuration(), 0, 1.0F));
+    auto edit = std::make_unique<QT::ELSTData>(track.getAtomHeaderDuration(), 0, 1.0F);
+    if (track.addAtomEditListEntry(edit.get()) == 0)
+        static_cast<void>(edit.release()); // the track has it now
 }
 
 void writeMedia(QT::QTMovie& movie, File& file) {

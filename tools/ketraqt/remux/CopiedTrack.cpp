@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <memory>
 
 namespace Ketra::Tool {
 
@@ -131,8 +132,9 @@ void CopiedTrack::beforePreparing(QT::QTTrack& track) {
             throw ToolError(kNotAllowed, fmt::format("track {} has edits beyond 32 bits", source_.getID()));
         }
         length += edit.duration;
-        track.addAtomEditListEntry(new QT::ELSTData(static_cast<unsigned int>(edit.duration),
-                                                    static_cast<int>(edit.mediaTime), edit.rate));
+        auto entry = std::make_unique<QT::ELSTData>(static_cast<unsigned int>(edit.duration),
+                                                    static_cast<int>(edit.mediaTime), edit.rate);
+        if (track.addAtomEditListEntry(entry.get()) == 0) static_cast<void>(entry.release());
     }
     if (length > 0) {
         track.setAtomHeaderDuration(static_cast<unsigned int>(std::min<std::uint64_t>(length, 0xFFFFFFFF)));

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace Ketra::Tool {
 
@@ -61,7 +62,9 @@ std::uint64_t NewTrack::bytes() const {
 }
 
 void NewTrack::beforePreparing(QT::QTTrack& track) {
-    track.addAtomEditListEntry(new QT::ELSTData(track.getAtomHeaderDuration(), 0, 1.0F));
+    auto edit = std::make_unique<QT::ELSTData>(track.getAtomHeaderDuration(), 0, 1.0F);
+    if (track.addAtomEditListEntry(edit.get()) == 0)
+        static_cast<void>(edit.release()); // the track has it now
 }
 
 void NewTrack::settle(QT::QTTrack&, std::vector<std::unique_ptr<QT::QTAtom>>&) {}
