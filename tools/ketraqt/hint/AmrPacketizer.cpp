@@ -22,7 +22,8 @@ AmrPacketizer::AmrPacketizer(StreamFormat format, std::size_t largestPayload, bo
     : Packetizer(std::move(format), largestPayload), wideBand_(wideBand) {}
 
 std::size_t AmrPacketizer::speechSize(unsigned char header) const {
-    const int size = (wideBand_ ? kWide : kNarrow)[header >> 3 & 15];
+    const int(&sizes)[16] = wideBand_ ? kWide : kNarrow;
+    const int size = sizes[header >> 3 & 15];
     if (size == kReserved) throw ToolError(kMalformed, "an AMR frame is of a reserved type");
     return static_cast<std::size_t>(size);
 }

@@ -73,7 +73,7 @@ ChapterTrack::ChapterTrack(const std::vector<Chapter>& chapters, double movieSec
     std::vector<Chapter> all = chapters;
     // Time before the first title is a title without text.
     if (!all.empty() && all.front().start > 0) all.insert(all.begin(), Chapter());
-    const auto end = static_cast<std::uint64_t>(std::max(0.0, movieSeconds) * kMilliseconds + 0.5);
+    const auto end = static_cast<std::uint64_t>(std::llround(std::max(0.0, movieSeconds) * kMilliseconds));
     for (std::size_t i = 0; i < all.size(); ++i) {
         const std::uint64_t until = i + 1 < all.size() ? all[i + 1].start : std::max(end, all[i].start + 1);
         samples_.push_back({textSample(all[i].title), until - all[i].start});
