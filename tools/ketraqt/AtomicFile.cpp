@@ -77,7 +77,7 @@ void AtomicFile::fail(const char* what) const {
 }
 
 void AtomicFile::write(const void* bytes, std::size_t count) {
-    if (std::fwrite(bytes, 1, count, file_.get()) != count) fail("cannot be written");
+    if (count && std::fwrite(bytes, 1, count, file_.get()) != count) fail("cannot be written");
     position_ += count;
 }
 
@@ -92,7 +92,7 @@ void AtomicFile::seek(std::uint64_t offset) {
 
 void AtomicFile::patch(std::uint64_t offset, const void* bytes, std::size_t count) {
     seek(offset);
-    if (std::fwrite(bytes, 1, count, file_.get()) != count) fail("cannot be written");
+    if (count && std::fwrite(bytes, 1, count, file_.get()) != count) fail("cannot be written");
     seek(position_);
 }
 
