@@ -1,9 +1,11 @@
-// Writes the seed movies into a folder, each once read plainly, once written anew, once over a bad stream.
+// Writes the seed movies into a folder, each once read plainly, once written anew, once over a bad stream;
+// and the steps of callers that write movies.
 #include "hostile/Harness.h"
 #include "hostile/Seeds.h"
 
 #include <cstdio>
 #include <fstream>
+#include <random>
 #include <string>
 
 using hostile::Bytes;
@@ -16,6 +18,22 @@ bool save(const std::string& path, Bytes bytes, const How& how) {
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
     return file.good();
+}
+
+/// Callers of every flavour, one with care and one without, whose steps are anybody's guess.
+bool saveCallers(const std::string& folder) {
+    constexpr unsigned int kFlavours = 8;
+    constexpr unsigned int kSteps = 600;
+    std::minstd_rand steps(1);
+    for (unsigned int i = 0; i < 2 * kFlavours; ++i) {
+        std::ofstream file(folder + "/caller_" + std::to_string(i), std::ios::binary);
+        file.put(static_cast<char>(i & 1)).put(static_cast<char>(i / 2));
+        for (unsigned int k = 0; k < kSteps; ++k) {
+            file.put(static_cast<char>(steps() >> 8 & 0xFF));
+        }
+        if (!file.good()) return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -38,6 +56,10 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "cannot write into %s\n", folder.c_str());
             return 1;
         }
+    }
+    if (!saveCallers(folder)) {
+        std::fprintf(stderr, "cannot write into %s\n", folder.c_str());
+        return 1;
     }
     return 0;
 }
