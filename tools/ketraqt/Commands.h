@@ -1,4 +1,5 @@
-// The commands. Each writes its data to standard output; all but the first throw what is wrong with the file.
+// The commands. Each writes its data to standard output; those that return a code
+// go through several files, the others throw what is wrong with theirs.
 #pragma once
 
 #include <optional>
@@ -32,7 +33,13 @@ struct HintOptions {
     bool dump = false;
 };
 
+struct CheckOptions {
+    std::vector<std::string> files;
+    bool json = false;
+};
+
 int runInfo(const std::vector<std::string>& files, bool json); ///< goes on after a bad file; the worst code
+int runCheck(const CheckOptions& options); ///< likewise; kFindings when there is a warning or an error
 void runTree(const std::string& file, bool json);
 void runSamples(const SamplesOptions& options);
 void runExtract(const ExtractOptions& options);

@@ -9,6 +9,7 @@ namespace Ketra::Tool {
 
 enum ExitCode : int {
     kSuccess = 0,
+    kFindings = 1,   ///< a file is against the rules, or two files differ
     kUsage = 2,      ///< the command line, or what it asks of the file, makes no sense
     kCannotRead = 3, ///< a file cannot be opened, read or written
     kMalformed = 4,  ///< not a movie, or a damaged one
