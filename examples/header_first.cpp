@@ -23,11 +23,13 @@ using Bytes = std::vector<unsigned char>;
 
 constexpr unsigned int kSampleRate = 8000;
 
+//! [chunk]
 void append(Bytes& media, QT::QTTrack& track) {
     // Chunks are noted by their place in the media, and moved when the length of the header is known.
     const std::unique_ptr<QT::QTFrame> chunk(track.saveChunk(media.size()));
     media.insert(media.end(), chunk->getData(), chunk->getData() + chunk->getDataLength());
 }
+//! [chunk]
 
 /// Two seconds of a rising and falling tone curve, 16 bits a sample, most significant byte first.
 Bytes writeSound(QT::QTMovie& movie) {
@@ -69,6 +71,7 @@ void put(Ferro::CFileStream& file, const unsigned char* bytes, std::size_t count
 void writeMovie(const char* path) {
     const std::unique_ptr<QT::QTMovie> movie(QT::QTMovie::beginMovie(QT::kMP4, false, false));
     const Bytes media = writeSound(*movie);
+    //! [header]
     movie->endMovie();
     movie->prepareForWriting();
     movie->updateAtomSizes();
@@ -90,6 +93,7 @@ void writeMovie(const char* path) {
     QT::QTTrack::putUInt32(&cursor, fourCC("mdat"));
     put(file, mediaHeader, kMediaHeader);
     put(file, media.data(), media.size());
+    //! [header]
 }
 
 } // namespace

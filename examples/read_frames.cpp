@@ -18,6 +18,7 @@ namespace {
 void readTrack(QT::QTTrack& track) {
     std::printf("track %u: %.3f s, %u ticks a second\n", track.getID(), track.getDuration(),
                 track.getAtomMediaTimeScale());
+    //! [frames]
     if (track.initWithSample(1) != 0) return; // no samples
     unsigned int frames = 0;
     unsigned int keys = 0;
@@ -31,10 +32,12 @@ void readTrack(QT::QTTrack& track) {
         keys += frame->getIsKeyFrame() ? 1 : 0;
         bytes += frame->getDataLength();
     }
+    //! [frames]
     std::printf("  %u frames, %u of them key frames, %llu bytes\n", frames, keys, bytes);
 }
 
 int readMovie(const char* path) {
+    //! [open]
     auto* file = new Ferro::CFileStream(path, Ferro::CFileStream::kRead);
     Ferro::RStream source(file); // owns the file
     if (!file->isOpen()) {
@@ -50,6 +53,7 @@ int readMovie(const char* path) {
     for (QT::QTTrack* track : movie->getTracks()) {
         readTrack(*track);
     }
+    //! [open]
     return 0;
 }
 

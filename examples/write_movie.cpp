@@ -37,6 +37,7 @@ void put32(Bytes& bytes, unsigned int value) {
     }
 }
 
+//! [sample]
 /// A frame owns a block from malloc.
 std::unique_ptr<QT::QTFrame> makeFrame(const Bytes& bytes, double time, double duration,
                                        unsigned int samples) {
@@ -46,6 +47,7 @@ std::unique_ptr<QT::QTFrame> makeFrame(const Bytes& bytes, double time, double d
     return std::make_unique<QT::QTFrame>(static_cast<unsigned int>(bytes.size()), block, time, duration, true,
                                          samples, time + duration, time, false);
 }
+//! [sample]
 
 /// The file: what is written goes behind what was written before.
 class File {
@@ -69,6 +71,7 @@ private:
     std::uint64_t position_ = 0;
 };
 
+//! [chunk]
 /// The samples that were gathered go into the file as one chunk, whose place the track notes.
 void saveChunk(QT::QTTrack& track, File& file) {
     const std::unique_ptr<QT::QTFrame> chunk(track.saveChunk(file.position()));
@@ -80,7 +83,9 @@ void add(QT::QTTrack& track, const Bytes& bytes, double time, double duration, u
     track.addSample(makeFrame(bytes, time, duration, samples).get());
     if (track.getChunkFull()) saveChunk(track, file);
 }
+//! [chunk]
 
+//! [begin]
 QT::QTTrack& beginTrack(QT::QTMovie& movie, unsigned int type, unsigned int ticksPerSecond) {
     QT::QTTrack& track = *movie.beginTrack(type, QT::kMOV);
     track.setAtomMediaTimeScale(ticksPerSecond);
@@ -88,6 +93,7 @@ QT::QTTrack& beginTrack(QT::QTMovie& movie, unsigned int type, unsigned int tick
     track.beginChunk();
     return track;
 }
+//! [begin]
 
 Bytes picture(unsigned int number) { // three bytes a pixel
     Bytes pixels;
@@ -129,9 +135,12 @@ void showAll(QT::QTTrack& track) {
 }
 
 void writeMedia(QT::QTMovie& movie, File& file) {
+    //! [chapters]
     // First: players that take the last mark of chapters they meet are to find the reference to this track.
     auto& chapters = dynamic_cast<QT::QTTextTrack&>(beginTrack(movie, fourCC("text"), 1000));
     chapters.isChapterTrack(true);
+    //! [chapters]
+    //! [tracks]
     auto& video = dynamic_cast<QT::QTVideoTrack&>(beginTrack(movie, fourCC("vide"), kFramesPerSecond * 100));
     video.setDataFormat(fourCC("raw "));
     video.setWidth(kWidth);
@@ -141,11 +150,14 @@ void writeMedia(QT::QTMovie& movie, File& file) {
     sound.setChannels(1);
     sound.setBitsPerSample(16);
     sound.setSampleRate(kSampleRate);
+    //! [tracks]
+    //! [timecode]
     auto& timecode =
         dynamic_cast<QT::QTTimeCodeTrack&>(beginTrack(movie, fourCC("tmcd"), kFramesPerSecond * 100));
     timecode.setTimeScale(kFramesPerSecond * 100);
     timecode.setFrameDuration(100);
     timecode.setNumberOfFrames(kFramesPerSecond);
+    //! [timecode]
 
     // Pictures and sound alternate in the file, as they are played.
     for (unsigned int i = 0; i < kFrames; ++i) {
@@ -153,19 +165,27 @@ void writeMedia(QT::QTMovie& movie, File& file) {
         add(video, picture(i), time, 1.0 / kFramesPerSecond, 1, file);
         add(sound, tone(i), time, 1.0 / kFramesPerSecond, kSampleRate / kFramesPerSecond, file);
     }
+    //! [titles]
     add(chapters, title("The first second"), 0, 1, 1, file);
     add(chapters, title("The second one"), 1, kSeconds - 1, 1, file);
+    //! [titles]
+    //! [start]
     Bytes start;
     put32(start, 10 * 3600 * kFramesPerSecond); // 10:00:00:00, counted in frames
     add(timecode, start, 0, kSeconds, 1, file);
+    //! [start]
 
+    //! [references]
     video.addTrackReference(fourCC("chap"), chapters.getID());
     video.addTrackReference(fourCC("tmcd"), timecode.getID());
+    //! [references]
+    //! [end]
     for (QT::QTTrack* track : movie.getTracks()) {
         saveChunk(*track, file);
         movie.endTrack(track->getID());
         showAll(*track);
     }
+    //! [end]
 }
 
 void writeMovie(const char* path) {
@@ -179,6 +199,7 @@ void writeMovie(const char* path) {
     writeMedia(*movie, file);
     const std::uint64_t mediaEnd = file.position();
 
+    //! [finish]
     movie->endMovie();
     constexpr char kTitle[] = "Written from raw bytes";
     movie->addUserData(0xA96E616D, sizeof kTitle, kTitle); // the copyright sign and "nam"
@@ -189,6 +210,7 @@ void writeMovie(const char* path) {
     Bytes size;
     put32(size, static_cast<unsigned int>(mediaEnd));
     file.patch(0, size);
+    //! [finish]
 }
 
 } // namespace
