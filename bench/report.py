@@ -13,6 +13,8 @@ import statistics
 import subprocess
 import sys
 
+import page
+
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 BUILD = ROOT / "build" / "bench"
 DATA = BUILD / "data"
@@ -127,11 +129,13 @@ def print_medians(medians):
 class Goals:
     def __init__(self):
         self.missed = 0
+        self.checked = []
 
     def check(self, what, value, limit, at_most, unit=""):
         met = value <= limit if at_most else value >= limit
         self.missed += not met
         sign = "<=" if at_most else ">="
+        self.checked.append((met, what, value, sign, limit, unit))
         print(f"{'met' if met else 'NOT met':8} {what:58} {value:8.2f} {sign} {limit:g}{unit}")
 
 
@@ -182,6 +186,7 @@ def check_hostile(goals):
     names = subprocess.run([str(binary)], capture_output=True, text=True, check=True).stdout.splitlines()
     print(f"\n{'file of 1 MiB':40} {'open':>8} {'walk':>8} {'write':>8} {'peak KiB':>9} {'atoms':>7} {'frames':>6}")
     worst = {"seconds": 0.0, "peak": 0}
+    rows = []
     for index, name in enumerate(names):
         r = line([binary, index])
         if not r:
@@ -189,11 +194,13 @@ def check_hostile(goals):
             continue
         print(f"{name:40} {r['open_s']:8.4f} {r['walk_s']:8.4f} {r['write_s']:8.4f} {r['peak_kb']:9,} {r['atoms']:7,} "
               f"{r['frames']:6,}{'' if r['movie'] else '  not a movie'}")
+        rows.append((name, r["open_s"], r["walk_s"], r["write_s"], r["peak_kb"]))
         worst["seconds"] = max(worst["seconds"], r["open_s"] + r["walk_s"] + r["write_s"])
         worst["peak"] = max(worst["peak"], r["peak_kb"] * 1024)
     print()
     goals.check("hostile 1-MiB files, worst time", worst["seconds"], 1, True, " s")
     goals.check("hostile 1-MiB files, worst peak memory", worst["peak"] / MEBIBYTE, 64 + 4, True, " MiB")
+    return rows
 
 
 def main():
@@ -201,6 +208,7 @@ def main():
     parser.add_argument("--runs", type=int, default=5, help="how often each measure is taken (5)")
     parser.add_argument("--micro", action="store_true", help="then run the single operations, too")
     parser.add_argument("--strict", action="store_true", help="end with 1 when a goal is not met")
+    parser.add_argument("--table", type=pathlib.Path, help="write the page of the figures, docs/performance.md")
     arguments = parser.parse_args()
 
     tools = build_peers()
@@ -210,9 +218,11 @@ def main():
     medians = measure(job_list(tools, files), arguments.runs)
     print_medians(medians)
     goals = Goals()
-    check_hostile(goals)
+    hostile = check_hostile(goals)
     check_speed(goals, medians)
     check_sums(goals, medians)
+    if arguments.table:
+        page.write(arguments.table, medians, goals.checked, hostile)
     if arguments.micro and files:
         subprocess.run([str(BUILD / "bin" / "ketraqt_bench")], env={**os.environ, "KETRAQT_BENCH_DATA": str(DATA)})
     return 1 if arguments.strict and goals.missed else 0
