@@ -3,7 +3,7 @@ _ketraqt() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "info tree samples extract hint sdp remux chapters timecode --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "info tree samples extract check remux chapters timecode hint sdp --help --version" -- "$current")
         return
     fi
     local options
@@ -48,25 +48,8 @@ _ketraqt() {
             ;;
         esac
         ;;
-    hint)
-        options="-h --help -o --output --mtu --tracks --force --remove --dump"
-        case $previous in
-        -o | --output)
-            mapfile -t COMPREPLY < <(compgen -f -- "$current")
-            return
-            ;;
-        --mtu)
-            :
-            return
-            ;;
-        --tracks)
-            :
-            return
-            ;;
-        esac
-        ;;
-    sdp)
-        options="-h --help"
+    check)
+        options="-h --help --json"
         ;;
     remux)
         options="-h --help -o --output --flavour --tracks --fast-start --chunk-duration --chunk-size --chapters --rate --start-timecode --dry-run --force"
@@ -138,6 +121,26 @@ _ketraqt() {
             return
             ;;
         esac
+        ;;
+    hint)
+        options="-h --help -o --output --mtu --tracks --force --remove --dump"
+        case $previous in
+        -o | --output)
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+            return
+            ;;
+        --mtu)
+            :
+            return
+            ;;
+        --tracks)
+            :
+            return
+            ;;
+        esac
+        ;;
+    sdp)
+        options="-h --help"
         ;;
     *) return ;;
     esac
