@@ -5,6 +5,7 @@
 
 #include <string>
 
+// Buffers, strings and the exception.
 namespace Ketra {
 
 class CString; // needed whole only where the four coding calls are used: <base/CString.h>
@@ -29,9 +30,9 @@ public:
 
     int set(const void* data, unsigned int size);    // copies
     int append(const void* data, unsigned int size); // copies
-    int append(const CBuffer&);
-    int resize(unsigned int size); // new bytes are zero
-    int zero();
+    int append(const CBuffer&);                      // copies
+    int resize(unsigned int size);                   // new bytes are zero
+    int zero();                                      // fills with zeros
 
     int compare(const CBuffer&) const; // < 0, 0, > 0: unsigned bytes, the shorter first on a common beginning
     bool operator==(const CBuffer&) const;

@@ -13,6 +13,7 @@ namespace Ketra {
 // Copies share their texts, so copying never throws.
 class KETRA_QT_API CException : public Lumbra::es::base, public std::exception {
 public:
+    // What getName() and the others give; all are copied.
     CException(const char* className, int line, const char* file, const char* function,
                const CString& message);
     CException(const CException&);

@@ -16,13 +16,14 @@ namespace Ketra::Ferro {
 // call but open returns -1 while the file is not open. Not copyable.
 class KETRA_QT_API CFileStream : public CStreamP {
 public:
+    // What is opened for.
     enum Mode {
         kRead,
         kReadWrite, // the file has to exist
         kCreate     // read and write; empties a file that exists
     };
 
-    CFileStream(const char* utf8Path, Mode mode);
+    CFileStream(const char* utf8Path, Mode mode); // opens; isOpen() tells whether
     CFileStream(const CFileStream&) = delete;
     CFileStream& operator=(const CFileStream&) = delete;
     ~CFileStream() override; // closes

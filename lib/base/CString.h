@@ -17,8 +17,8 @@ namespace Ketra {
 class KETRA_QT_API CString : public CBuffer {
 public:
     CString();
-    CString(const char* text); // copies up to the first zero
-    CString(const char* text, unsigned int length);
+    CString(const char* text);                      // copies up to the first zero
+    CString(const char* text, unsigned int length); // copies, zero bytes included
     CString(const CString&);
     CString(CString&&) noexcept; // leaves the other empty
     CString& operator=(const CString&);
@@ -35,7 +35,7 @@ public:
     CString getLowerCaseString() const;                                  // ASCII letters only
     CString getUpperCaseString() const;
 
-    CString& operator+=(const CString&);
+    CString& operator+=(const CString&); // appends
     bool operator==(const CString&) const;
     bool operator==(const char*) const;
     bool operator!=(const CString&) const;

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 
+// Byte streams.
 namespace Ketra::Ferro {
 
 // A stream as its user supplies it. Offsets and lengths are in bytes.
@@ -31,8 +32,8 @@ public:
     RStream& operator=(const RStream&) = delete;
     ~RStream() override;
 
-    CStreamP* get() const; // borrow
-    CStreamP* operator->() const;
+    CStreamP* get() const;        // borrow
+    CStreamP* operator->() const; // likewise
 
 private:
     CStreamP* stream_;

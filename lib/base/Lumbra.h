@@ -5,6 +5,7 @@
 
 #include <atomic>
 
+// What objects with a reference count and exceptions derive from.
 namespace Lumbra {
 
 // A reference count for objects created with new. It starts at 1, which is the creator's own reference.

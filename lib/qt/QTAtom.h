@@ -15,7 +15,7 @@ class QTUtils;
 class KETRA_QT_API QTAtom {
 public:
     QTAtom();
-    QTAtom(unsigned int size, unsigned int type);
+    QTAtom(unsigned int size, unsigned int type); ///< built in memory
     /// A freshly read header: total size in bytes, four-character code, position of the header in the stream.
     QTAtom(std::uint64_t size, unsigned int type, std::uint64_t offset, unsigned char headerSize,
            QTUtils* utils, bool container);
@@ -54,8 +54,8 @@ public:
     static unsigned int getMP4ObjectSize(unsigned char** cursor, unsigned int* remaining);
 
     static unsigned short BE16(unsigned short v); ///< byte reversal, like the two below
-    static short BES16(short v);
-    static unsigned int BE32(unsigned int v);
+    static short BES16(short v);                  ///< likewise
+    static unsigned int BE32(unsigned int v);     ///< likewise
 
     // Cursor helpers: each reads or writes at *cursor and advances it. None checks bounds. Big-endian,
     // except: getUInt24 reads least significant byte first, putUInt24 and putUInt48 keep the low four bits of
@@ -83,21 +83,23 @@ public:
     static int putMatrix(unsigned char** cursor, unsigned int* m);
     // Copy n bytes unchanged and advance by n rounded down to the unit; return dst.
     static unsigned char* copyUInt8Data(unsigned char* dst, unsigned char** cursor, unsigned int n);
-    static unsigned char* copyUInt16Data(unsigned char* dst, unsigned char** cursor, unsigned int n);
-    static unsigned char* copyUInt32Data(unsigned char* dst, unsigned char** cursor, unsigned int n);
+    static unsigned char* copyUInt16Data(unsigned char* dst, unsigned char** cursor,
+                                         unsigned int n); ///< in words of two bytes
+    static unsigned char* copyUInt32Data(unsigned char* dst, unsigned char** cursor,
+                                         unsigned int n); ///< in words of four bytes
 
 protected:
     /// updateSize(), then header and every child's bytes; a child without bytes is left out.
     QTFrame* serializeContainer();
 
-    std::uint64_t size_ = 0;
-    unsigned int type_ = 0;
+    std::uint64_t size_ = 0;           ///< header included, as read or last given
+    unsigned int type_ = 0;            ///< four-character code
     unsigned char* payload_ = nullptr; ///< kept payload bytes (malloc), or null
-    bool container_ = false;
-    unsigned char headerSize_ = 0;
-    std::vector<QTAtom*> children_;
-    QTUtils* utils_ = nullptr; ///< not owned; null for an atom built in memory
-    std::uint64_t offset_ = 0;
+    bool container_ = false;           ///< whether it takes children
+    unsigned char headerSize_ = 0;     ///< 8 or 16; 0 in memory
+    std::vector<QTAtom*> children_;    ///< owned, but by a copy
+    QTUtils* utils_ = nullptr;         ///< not owned; null for an atom built in memory
+    std::uint64_t offset_ = 0;         ///< of the header in the stream
 
 private:
     friend struct wire::Access;

@@ -9,7 +9,7 @@ namespace Ketra::QT {
 /// Forwards every operation. Borrows the stream object: it must outlive the adapter, which never closes it.
 class KETRA_QT_API QTCMStream : public QTStream {
 public:
-    explicit QTCMStream(Ferro::RStream* stream);
+    explicit QTCMStream(Ferro::RStream* stream); ///< borrows
     ~QTCMStream() override;
     QTCMStream(const QTCMStream&) = default;
     QTCMStream& operator=(const QTCMStream&) = default;
@@ -17,9 +17,9 @@ public:
     std::int64_t read(unsigned char* buffer, std::int64_t length) override;
     std::int64_t write(unsigned char* buffer, std::int64_t length) override;
     std::int64_t lseek(std::int64_t offset, unsigned char relative) override;
-    int open() override;
-    int close() override;
-    std::int64_t size() override;
+    int open() override;          ///< with the mode 2 and 1000
+    int close() override;         ///< forwarded
+    std::int64_t size() override; ///< forwarded
 
 private:
     Ferro::RStream* stream_;

@@ -35,6 +35,8 @@ struct NavigatorIndex;
 ///
 /// Everything is computed from the sample tables as it is needed. Positioning is O(log n), a step is O(1),
 /// and a frame costs one read of the stream. The track must outlive the cursor.
+///
+/// \snippet seek.cpp time
 class KETRA_QT_API QTChunk {
 public:
     /// Throws CException "Error resetting QTChunk." when the track has no sample sizes or chunk offsets.
@@ -57,9 +59,9 @@ public:
     QTFrame* getFrame(); ///< likewise, without advancing
     QTFrame* getPreviewFrame() { return getFrame(); }
     int rangeCheck(unsigned int n); ///< 0 when there is a sample n and the position is within the duration
-    int rangeCheck(int n);
-    int rangeCheck(double t); ///< 0 when t is not beyond the duration
-    void printTables();       ///< the tables, for people, on standard output
+    int rangeCheck(int n);          ///< likewise
+    int rangeCheck(double t);       ///< 0 when t is not beyond the duration
+    void printTables();             ///< the tables, for people, on standard output
 
     unsigned int getCurrentSampleNumber() const { return currentSample_; }
     double getCurrentTime() const; ///< decode time of the current sample; -1 before positioning
@@ -86,10 +88,10 @@ public:
     int beginChunk(); ///< forgets what was collected; 0
     /// Appends the frame's bytes, which are copied, and its size to the tables. -1 for null.
     int addSample(QTFrame* frame);
-    int addSyncSample(QTFrame* frame, unsigned int n);        ///< also a sync entry for sample n
-    int addPartialSyncSample(QTFrame* frame, unsigned int n); ///< also a partial-sync entry
-    int addSampleDep(unsigned int flags);                     ///< one dependency byte
-    int addSamplesToChunk(const std::vector<QTFrame*>& frames);
+    int addSyncSample(QTFrame* frame, unsigned int n);          ///< also a sync entry for sample n
+    int addPartialSyncSample(QTFrame* frame, unsigned int n);   ///< also a partial-sync entry
+    int addSampleDep(unsigned int flags);                       ///< one dependency byte
+    int addSamplesToChunk(const std::vector<QTFrame*>& frames); ///< stops with -1 at the first null
     /// Records the chunk at a file offset and returns its bytes, which the caller owns and writes there.
     /// Null, nothing recorded, when the chunk is larger than a frame can be.
     QTFrame* closeChunk(std::uint64_t offset);

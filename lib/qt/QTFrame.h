@@ -38,7 +38,7 @@ public:
     /// Adopts a block of getDataLength() bytes, or as many as the next setDataLength() says. -1 for a null
     /// block.
     int setData(unsigned char* data);
-    void print();
+    void print(); ///< does nothing
 
 private:
     friend struct wire::Access;

@@ -22,6 +22,8 @@ class UDTA;
 
 /// Owns its reader, its atom tree and its tracks, never the stream, which must outlive it. Times are seconds
 /// unless a line says otherwise; pointers handed out are borrowed.
+///
+/// \snippet read_frames.cpp open
 class KETRA_QT_API QTMovie {
 public:
     /// Reads the whole header of a movie; samples are read when their tracks are asked. Null when there is no
@@ -61,7 +63,7 @@ public:
     int setAtomDuration(unsigned int units);
     unsigned char get3gpVersion() const { return version3gp_; }
     int set3gpVersion(unsigned char release) { return version3gp_ = release, 0; }
-    int useFtypForMov(bool use) { return useFtypForMov_ = use, 0; }
+    int useFtypForMov(bool use) { return useFtypForMov_ = use, 0; } ///< see beginMovie()
 
     ROOT* getRoot() const { return root_.get(); }
     QTStream* getStream() const { return stream_; }

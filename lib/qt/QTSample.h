@@ -20,7 +20,7 @@ namespace Ketra::QT {
 /// Entry lengths and offsets follow from the TLV size of the first packet: give every packet the same.
 class KETRA_QT_API QTSample {
 public:
-    explicit QTSample(unsigned int sampleNumber);
+    explicit QTSample(unsigned int sampleNumber); ///< from 1
     QTSample(const QTSample&) = delete;
     QTSample& operator=(const QTSample&) = delete;
     ~QTSample();

@@ -3,6 +3,7 @@
 
 #include <base/Export.h>
 
+/// Movies: their atoms, tracks, samples and frames.
 namespace Ketra::QT {
 
 /// The flavour of a movie; the value is the four characters of its name.

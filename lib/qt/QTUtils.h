@@ -18,6 +18,7 @@ struct Payload;
 /// Borrows stream and root; every atom that it reads points back to it.
 class KETRA_QT_API QTUtils {
 public:
+    /// Borrows both; a reader of blocks alone needs no stream, and the root may come later.
     QTUtils(QTStream* stream, QTAtom* root);
     ~QTUtils();
     QTUtils(const QTUtils&) = delete;

@@ -67,13 +67,13 @@ public:
     int addHinfAtoms(unsigned int kind);
 
 protected:
-    QTHintTrack(QTAtom* trak, const char* function);
+    QTHintTrack(QTAtom* trak, const char* function); ///< the function for the exception
 
     // The steps of prepareForWriting() that video and audio hint tracks share.
     void prepareHeaders(); ///< averages, handler, bandwidth, header flags, sample entry
-    void prepareMediaHeader(unsigned short averagePacketSize);
-    void storeHintDescription();
-    int addSdpText(const CString& text); ///< to "hnti"; -1 without one
+    void prepareMediaHeader(unsigned short averagePacketSize); ///< fills in "hmhd"
+    void storeHintDescription();                               ///< into the sample description
+    int addSdpText(const CString& text);                       ///< to "hnti"; -1 without one
     CString getAttributeLines() const;
 
 private:

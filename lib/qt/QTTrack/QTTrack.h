@@ -38,18 +38,21 @@ class VMHD;
 /// setter returns -1 and a getter 0.
 class KETRA_QT_API QTTrack {
 public:
+    /// Puts what the track holds into its atoms, once; 0.
     virtual int prepareForWriting();
     virtual unsigned int
     getType(); ///< "vide", "audi", "text", "tmcd", "hint", "vihi", "auhi", "desc"; base: 0
+    /// Appends a sample to the chunk, copying its bytes, and to the tables. The four below do the same and
+    /// note something beside it. -1 for null and without a chunk.
     virtual int addSample(QTFrame* frame);
-    virtual int addSyncSample(QTFrame* frame);
-    virtual int addPartialSyncSample(QTFrame* frame);
-    virtual int addPSample(QTFrame* frame); ///< an ordinary sample that others depend on
-    virtual int addHintSample(QTFrame* frame);
-    virtual unsigned short getSwitchSize();
+    virtual int addSyncSample(QTFrame* frame);        ///< a key frame
+    virtual int addPartialSyncSample(QTFrame* frame); ///< one from which decoding can begin with some loss
+    virtual int addPSample(QTFrame* frame);           ///< an ordinary sample that others depend on
+    virtual int addHintSample(QTFrame* frame);        ///< nothing beside it
+    virtual unsigned short getSwitchSize();           ///< what players choose among alternates by; base: 0
     /// Reads the sample descriptions into the track. Throws CException when the table's count is wrong.
     virtual int parseStsd(QTAtom* stsd) = 0;
-    virtual int addSdpFile();
+    virtual int addSdpFile(); ///< the session description, of a hint track; base: 0
     virtual ~QTTrack();
 
     /// The track over a parsed "trak" atom, of the class that its media header tells; null when that is not a
@@ -137,8 +140,8 @@ public:
     /// empty.
     int addTrackReference(unsigned int type, unsigned int trackID);
     int setHintTrackReference(unsigned int trackID); ///< in the existing "hint" reference; -1 without one
-    int addSwitchAttribute(unsigned int attribute);
-    int setSwitchGroup(unsigned int group); ///< held in 16 bits, passed on in 32
+    int addSwitchAttribute(unsigned int attribute);  ///< to every "tsel"; -1 without a tree
+    int setSwitchGroup(unsigned int group);          ///< held in 16 bits, passed on in 32
     int enableTrack();  ///< flags AND 1: clears the in-movie, in-preview and in-poster bits
     int disableTrack(); ///< flags XOR 1: a second call enables again
 
@@ -187,16 +190,16 @@ public:
     static int putUInt32(unsigned char** cursor, unsigned int v);
     static int putUInt48(unsigned char** cursor, std::uint64_t v);
     static int putUInt64(unsigned char** cursor, std::uint64_t v);
-    static unsigned short switchEndian16(unsigned short v);
-    static unsigned int switchEndian32(unsigned int v);
-    static unsigned int BE32(unsigned int v);
+    static unsigned short switchEndian16(unsigned short v); ///< the other byte order
+    static unsigned int switchEndian32(unsigned int v);     ///< likewise
+    static unsigned int BE32(unsigned int v);               ///< likewise
 
     // --- samples and chunks
-    int addSamplesToChunk(const std::vector<QTFrame*>& frames); ///< stops with -1 at the first that fails
-    int addSampleCount(unsigned int n);
-    bool addSampleOK() const { return !chunkFull_ && !stopped_; }
-    QTChunk* beginChunk();                    ///< a fresh, numbered cursor; borrowed
-    int createChunk();                        ///< a fresh cursor without a number
+    int addSamplesToChunk(const std::vector<QTFrame*>& frames);   ///< stops with -1 at the first that fails
+    int addSampleCount(unsigned int n);                           ///< counts n samples more; 0
+    bool addSampleOK() const { return !chunkFull_ && !stopped_; } ///< whether the chunk takes more
+    QTChunk* beginChunk();                                        ///< a fresh, numbered cursor; borrowed
+    int createChunk();                                            ///< a fresh cursor without a number
     QTChunk* getChunk();                      ///< borrowed until the next chunk begins; null without one
     QTFrame* saveChunk(std::uint64_t offset); ///< the chunk's bytes, for the caller to write at `offset`
     /// Positions at sample n; sample 1 of a track whose first edit starts later, at that start. -1 without a
@@ -207,17 +210,17 @@ public:
     int setChunkFullTime(double seconds) { return chunkFullTime_ = seconds, 0; }
     double getChunkFullTime() const { return chunkFullTime_; }
     int setChunkFullMaxSize(unsigned int bytes) { return chunkFullMaxSize_ = bytes, 0; }
-    int checkMaxBitRate(QTFrame* frame);
-    int addDBABitrate(unsigned int bitRate);
+    int checkMaxBitRate(QTFrame* frame);            ///< counts the frame in, as adding it does; -1 for null
+    int addDBABitrate(unsigned int bitRate);        ///< in the user data; -1 without a tree
     int addAtomTimeToSample(STTSData* entry);       ///< adopts on 0
     int addAtomCodingTimeToSample(CTTSData* entry); ///< adopts on 0
-    int addToAtomStcoOffsets(std::uint64_t delta);
+    int addToAtomStcoOffsets(std::uint64_t delta);  ///< moves all chunks; -1 without "stco"
 
 protected:
-    explicit QTTrack(QTMovieConstructionFlags movieType);
+    explicit QTTrack(QTMovieConstructionFlags movieType); ///< without a tree
     QTTrack(const QTTrack& other); ///< without a cursor; frames and blocks duplicated, atoms shared
     QTTrack& operator=(const QTTrack& other);
-    int _addSample(QTFrame* frame, bool sync, bool partial);
+    int _addSample(QTFrame* frame, bool sync, bool partial); ///< what all of them do
 
     /// What every reading constructor does first: the header atoms must be there, and identity, duration,
     /// start and end come from them. Throws CException with the messages given.

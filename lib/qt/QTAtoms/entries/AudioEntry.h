@@ -22,7 +22,7 @@ public:
     unsigned short getSampleSize() const { return sampleSize_; }
 
 protected:
-    explicit AudioEntry(unsigned int type);
+    explicit AudioEntry(unsigned int type); ///< a new one
     explicit AudioEntry(QTAtom* header);
     AudioEntry(const AudioEntry&) = default;
     AudioEntry& operator=(const AudioEntry&) = default;

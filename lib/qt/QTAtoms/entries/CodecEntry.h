@@ -13,7 +13,7 @@ public:
     ~CodecEntry() override;
 
 protected:
-    CodecEntry(unsigned int size, unsigned int type);
+    CodecEntry(unsigned int size, unsigned int type); ///< a new one
     explicit CodecEntry(QTAtom* header);
     CodecEntry(const CodecEntry& other);
     CodecEntry& operator=(const CodecEntry& other);

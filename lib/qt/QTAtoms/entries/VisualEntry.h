@@ -23,7 +23,7 @@ public:
     int setMaxHeight(unsigned short v) { return height_ = v, 0; }
 
 protected:
-    explicit VisualEntry(unsigned int type);
+    explicit VisualEntry(unsigned int type); ///< a new one
     explicit VisualEntry(QTAtom* header);
     VisualEntry(const VisualEntry&) = default;
     VisualEntry& operator=(const VisualEntry&) = default;

@@ -27,7 +27,7 @@ public:
     int setMinorVersion(unsigned int version) { return minorVersion_ = version, 0; }
     unsigned int getCompatibleBrand(unsigned int index) const; ///< 0 out of range
     std::vector<unsigned int> getCompatibleBrands() const { return brands_; }
-    int addCompatibleBrand(unsigned int brand);
+    int addCompatibleBrand(unsigned int brand); ///< appends; the size grows by 4
     int setCompatibleBrands(const std::vector<unsigned int>& brands);
 
 private:

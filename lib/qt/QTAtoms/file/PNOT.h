@@ -9,6 +9,7 @@ namespace Ketra::QT {
 class KETRA_QT_API PNOT : public QTAtom {
 public:
     PNOT();
+    /// A new one, a parameter for each field.
     PNOT(unsigned int modificationDate, unsigned short versionNumber, unsigned int atomType,
          unsigned short index);
     explicit PNOT(QTAtom* header);

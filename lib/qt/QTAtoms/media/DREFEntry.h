@@ -14,7 +14,7 @@ class QTStream;
 class KETRA_QT_API DREFEntry : public QTAtom {
 public:
     DREFEntry();
-    DREFEntry(unsigned int type, unsigned int flags);
+    DREFEntry(unsigned int type, unsigned int flags); ///< without data
     explicit DREFEntry(QTAtom* header);
     DREFEntry(const DREFEntry&) = default;
     DREFEntry& operator=(const DREFEntry&) = default;

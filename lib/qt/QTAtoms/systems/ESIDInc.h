@@ -8,7 +8,7 @@ namespace Ketra::QT {
 /// Tag 0x0E: the track ID (32). Always written with a size of 4.
 class KETRA_QT_API ESIDInc : public MP4ObjectData {
 public:
-    explicit ESIDInc(unsigned int trackID);
+    explicit ESIDInc(unsigned int trackID); ///< a new one
     ESIDInc(unsigned int size, unsigned char tag);
     ~ESIDInc() override;
 

@@ -8,7 +8,7 @@ namespace Ketra::QT {
 /// Tag 0x0F: the ES_ID (16). Always written with that tag and a size of 2.
 class KETRA_QT_API ESIDRef : public MP4ObjectData {
 public:
-    explicit ESIDRef(unsigned int esid);
+    explicit ESIDRef(unsigned int esid); ///< a new one
     ESIDRef(unsigned int size, unsigned char tag);
     ~ESIDRef() override;
 

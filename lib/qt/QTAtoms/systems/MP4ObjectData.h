@@ -49,8 +49,8 @@ protected:
     unsigned int nestedSize(); ///< all nested descriptors with tag and size bytes, after their updateSize()
     unsigned int nestedStoredSize() const; ///< the same with the sizes that they hold
 
-    unsigned int size_ = 0;
-    unsigned char tag_ = 0;
+    unsigned int size_ = 0; ///< of the payload, in bytes
+    unsigned char tag_ = 0; ///< which descriptor it is
 
 private:
     std::vector<std::unique_ptr<MP4ObjectData>> descriptors_;

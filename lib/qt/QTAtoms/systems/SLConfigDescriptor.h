@@ -9,7 +9,7 @@ namespace Ketra::QT {
 /// many zeros are written.
 class KETRA_QT_API SLConfigDescriptor : public MP4ObjectData {
 public:
-    explicit SLConfigDescriptor(unsigned char predefined);
+    explicit SLConfigDescriptor(unsigned char predefined); ///< a new one
     SLConfigDescriptor(unsigned int size, unsigned char tag);
     ~SLConfigDescriptor() override;
 

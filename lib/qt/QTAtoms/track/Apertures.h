@@ -25,7 +25,7 @@ public:
     int setHeight(unsigned int v) { return height_ = v, 0; }
 
 protected:
-    explicit ApertureAtom(unsigned int type);
+    explicit ApertureAtom(unsigned int type); ///< a new one
     explicit ApertureAtom(QTAtom* header);
     ApertureAtom(const ApertureAtom&) = default;
     ApertureAtom& operator=(const ApertureAtom&) = default;

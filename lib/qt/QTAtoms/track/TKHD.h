@@ -16,7 +16,7 @@ namespace Ketra::QT {
 class KETRA_QT_API TKHD : public QTAtom {
 public:
     TKHD();
-    explicit TKHD(unsigned int trackID);
+    explicit TKHD(unsigned int trackID); ///< a new one
     explicit TKHD(int trackID) : TKHD(static_cast<unsigned int>(trackID)) {}
     explicit TKHD(QTAtom* header);
     TKHD(const TKHD&) = default;

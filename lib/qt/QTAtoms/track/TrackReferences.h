@@ -19,7 +19,7 @@ public:
     int setTrackID(unsigned int id) { return trackID_ = id, 0; }
 
 protected:
-    TrackReference(unsigned int type, unsigned int trackID);
+    TrackReference(unsigned int type, unsigned int trackID); ///< a new one
     explicit TrackReference(QTAtom* header);
 
 private:
