@@ -177,7 +177,8 @@ void writeMedia(QT::QTMovie& movie, File& file) {
 
     //! [references]
     video.addTrackReference(fourCC("chap"), chapters.getID());
-    video.addTrackReference(fourCC("tmcd"), timecode.getID());
+    // Each call of addTrackReference() makes a list of its own; players look at the first.
+    video.getTrak()->getAtomOfType(fourCC("tref"))->addChild(new QT::TMCD(timecode.getID()));
     //! [references]
     //! [end]
     for (QT::QTTrack* track : movie.getTracks()) {
