@@ -6,6 +6,7 @@ run.py TOOL [TEST...]
 import json
 import os
 import random
+import re
 import resource
 import subprocess
 import sys
@@ -51,9 +52,14 @@ class ToolTest(unittest.TestCase):
 
 class Usage(ToolTest):
     def test_help_and_version(self):
-        for arguments in (["--help"], ["info", "--help"], ["tree", "--help"], ["samples", "--help"],
-                          ["extract", "--help"]):
-            self.assertEqual(run(*arguments)[0], 0, arguments)
+        code, out, _ = run("--help")
+        self.assertEqual(code, 0)
+        commands = re.findall(r"^  ([a-z]+)  ", out.decode().partition("Subcommands:")[2], re.M)
+        self.assertLess({"info", "tree", "samples", "extract", "check", "remux", "hint"}, set(commands))
+        for command in commands:
+            code, out, _ = run(command, "--help")
+            self.assertEqual(code, 0, command)
+            self.assertRegex(out.decode(), rf"\nExamples?:\n(  ketraqt {command} .+\n){{1,3}}$")
         code, out, _ = run("--version")
         self.assertEqual(code, 0)
         self.assertRegex(out.decode(), r"^ketraqt \d+\.\d+\.\d+\n$")

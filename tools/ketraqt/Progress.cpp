@@ -1,13 +1,10 @@
 #include "Progress.h"
 
+#include "Terminal.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <fmt/format.h>
-#ifdef _WIN32
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
 
 namespace Ketra::Tool {
 
@@ -16,14 +13,6 @@ namespace {
 constexpr auto kQuietTime = std::chrono::seconds(1);
 constexpr auto kInterval = std::chrono::milliseconds(200);
 constexpr unsigned int kCallsALook = 256; // the clock is not asked for every frame
-
-bool isTerminal(std::FILE* stream) {
-#ifdef _WIN32
-    return _isatty(_fileno(stream)) != 0;
-#else
-    return isatty(fileno(stream)) != 0;
-#endif
-}
 
 } // namespace
 

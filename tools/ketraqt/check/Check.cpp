@@ -1,8 +1,7 @@
 #include "check/Check.h"
 
-#include "Atoms.h"
 #include "Source.h"
-#include "check/Subject.h"
+#include "check/Tables.h"
 
 #include <base/CException.h>
 #include <qt/QTAtoms/file/CMOV.h>
@@ -10,7 +9,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <optional>
+#include <utility>
 
 namespace Ketra::Tool {
 
@@ -22,16 +21,37 @@ bool isFragmented(const AtomPlace& file, const AtomPlace& movie) {
     return file.child(fourCC("moof")) || movie.child(fourCC("mvex"));
 }
 
-void checkHeader(const Subject& subject) { checkMovieAtoms(subject); }
+void checkHeader(const Subject& subject) {
+    checkMovieAtoms(subject);
+    MovieHead movie = readHeads(subject);
+    std::vector<TrackTables> tables(movie.tracks.size());
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        if (movie.tracks[i].tables) tables[i] = checkTables(subject, movie.tracks[i]);
+    }
+    checkTimes(subject, movie);
+    ChunkPlaces places(subject);
+    for (std::size_t i = 0; i < tables.size(); ++i) {
+        places.add(movie.tracks[i], i, std::move(tables[i]));
+    }
+    places.finish(movie);
+}
 
 /// The atoms of a compressed header, which have no places in the file of their own.
 void checkInflated(Findings& findings, Source& source, const AtomPlace& file, const AtomPlace& compressed) {
-    AtomTree tree(source.stream());
-    const auto* cmov = atomAt<QT::CMOV>(&tree.root(), {fourCC("moov"), fourCC("cmov")});
-    const QT::QTFrame* inflated = cmov ? cmov->getUnCompressedHeaders() : nullptr;
+    QT::QTUtils reader(&source.stream(), nullptr);
+    QT::CMOV cmov(new QT::QTAtom(compressed.size, compressed.type, compressed.offset,
+                                 static_cast<unsigned char>(compressed.headerSize), &reader, false));
+    try {
+        source.stream().lseek(static_cast<std::int64_t>(compressed.body()), 0);
+        cmov.parse();
+    } catch (const CException& error) {
+        findings.add(Severity::Error, "compressed-header", compressed.path, compressed.offset, error.what());
+        return;
+    }
+    const QT::QTFrame* inflated = cmov.getUnCompressedHeaders();
     if (!inflated || !inflated->getData()) {
         findings.add(Severity::Error, "compressed-header", compressed.path, compressed.offset,
-                     "it cannot be inflated");
+                     "there is nothing in it");
         return;
     }
     findings.pin(compressed.offset);

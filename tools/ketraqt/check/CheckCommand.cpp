@@ -2,6 +2,7 @@
 #include "Json.h"
 #include "Output.h"
 #include "Source.h"
+#include "Terminal.h"
 #include "Text.h"
 #include "ToolError.h"
 #include "check/Check.h"
@@ -20,6 +21,12 @@ bool hasMovieHeader(const std::vector<Finding>& findings) {
                         [](const Finding& f) { return f.rule == "missing-atom" && f.path == "moov"; });
 }
 
+Colour colourOf(Severity severity) {
+    return severity == Severity::Error     ? Colour::kRed
+           : severity == Severity::Warning ? Colour::kYellow
+                                           : Colour::kCyan;
+}
+
 Json findingsJson(const std::string& file, const std::vector<Finding>& findings) {
     Json list = Json::array();
     for (const Finding& f : findings) {
@@ -36,10 +43,12 @@ Json findingsJson(const std::string& file, const std::vector<Finding>& findings)
 std::string findingsText(const std::string& file, const std::vector<Finding>& findings) {
     const std::string name = oneLine(validUtf8(file));
     if (findings.empty()) return name + ": nothing found\n";
+    const bool colours = wantsColours(stdout);
     std::string out;
     for (const Finding& f : findings) {
-        out +=
-            fmt::format("{}: {}: {} [{}]\n", name, severityName(f.severity), oneLine(findingText(f)), f.rule);
+        out += fmt::format("{}: {}: {} [{}]\n", name,
+                           coloured(severityName(f.severity), colourOf(f.severity), colours),
+                           oneLine(findingText(f)), f.rule);
     }
     return out;
 }

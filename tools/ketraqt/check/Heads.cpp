@@ -98,19 +98,25 @@ void readMedia(const Subject& subject, TrackHead& track) {
 
 /// Media of these kinds have a header of their own.
 void checkMediaHeader(const Subject& subject, const TrackHead& track) {
-    constexpr unsigned int kHeaders[][2] = {
+    struct Kind {
+        unsigned int handler;
+        unsigned int header;
+    };
+    constexpr Kind kKinds[] = {
         {fourCC("vide"), fourCC("vmhd")}, {fourCC("soun"), fourCC("smhd")}, {fourCC("hint"), fourCC("hmhd")}};
     const AtomPlace* mdia = track.trak->child(fourCC("mdia"));
     const AtomPlace* minf = mdia ? mdia->child(fourCC("minf")) : nullptr;
     if (!minf) return;
-    for (const auto& [handler, header] : kHeaders) {
-        const AtomPlace* found = minf->child(header);
-        if (track.handler == handler && !found && !minf->child(fourCC("gmhd"))) {
+    for (const Kind& kind : kKinds) {
+        const AtomPlace* found = minf->child(kind.header);
+        if (track.handler == kind.handler && !found && !minf->child(fourCC("gmhd"))) {
             subject.findings.add(Severity::Warning, "media-header", minf->path, minf->offset, [&] {
-                return fmt::format("media of the kind {} have a {}", codeText(handler), codeText(header));
+                return fmt::format("media of the kind {} have a {}", codeText(kind.handler),
+                                   codeText(kind.header));
             });
         }
-        if (track.handler != handler && track.handler != 0 && found) {
+        // That of hints serves for other things that are neither seen nor heard.
+        if (kind.header != fourCC("hmhd") && track.handler != kind.handler && track.handler != 0 && found) {
             subject.findings.add(Severity::Warning, "media-header", found->path, found->offset, [&] {
                 return fmt::format("it is not that of the kind {}", codeText(track.handler));
             });
@@ -123,15 +129,16 @@ using Owners = std::unordered_map<unsigned int, const AtomPlace*>;
 void checkIds(const Subject& subject, const MovieHead& movie, Owners& owners) {
     for (const TrackHead& track : movie.tracks) {
         if (!track.header || track.id == 0) continue;
-        const auto [first, isNew] = owners.emplace(track.id, track.trak);
-        if (!isNew) {
+        const auto owner = owners.emplace(track.id, track.trak);
+        if (!owner.second) {
             subject.findings.add(Severity::Error, "track-id", track.header->path, track.header->offset, [&] {
-                return fmt::format("{} has the ID {} already", first->second->path, track.id);
+                return fmt::format("{} has the ID {} already", owner.first->second->path, track.id);
             });
         }
         if (movie.header && track.id >= movie.nextTrack) {
-            subject.findings.add(Severity::Warning, "next-track-id", movie.header->path, movie.header->offset,
-                                 [&] {
+            // Only who adds a track goes by it, which nobody does to fragments.
+            subject.findings.add(subject.fragmented ? Severity::Note : Severity::Warning, "next-track-id",
+                                 movie.header->path, movie.header->offset, [&] {
                                      return fmt::format("the next track ID is {}, but there is a track {}",
                                                         movie.nextTrack, track.id);
                                  });

@@ -36,8 +36,9 @@ struct TrackHead {
     double shift = 0;                           ///< seconds from the time of a sample to that in the movie
     // From the sample tables:
     std::uint64_t samples = 0;
-    std::uint64_t ticks = 0; ///< of all samples
-    std::int64_t latest = 0; ///< the greatest composition offset
+    std::uint64_t ticks = 0;  ///< of all samples
+    unsigned int longest = 0; ///< ticks of one sample
+    std::int64_t latest = 0;  ///< the greatest composition offset
 };
 
 struct MovieHead {
@@ -51,7 +52,8 @@ struct MovieHead {
 /// Adds what is wrong with the single headers, IDs and references.
 MovieHead readHeads(const Subject& subject);
 
-/// Compares the durations with each other, and the edit lists with the media. Needs the sums of the tables.
-void checkTimes(const Subject& subject, const MovieHead& movie);
+/// Compares the durations with each other, and the edit lists with the media. Needs the sums of the tables;
+/// sets the shifts.
+void checkTimes(const Subject& subject, MovieHead& movie);
 
 } // namespace Ketra::Tool

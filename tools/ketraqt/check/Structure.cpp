@@ -143,7 +143,8 @@ void checkFileAtoms(Findings& findings, Bytes& bytes, const AtomPlace& file) {
     }
     if (fragment) {
         findings.add(Severity::Note, "fragments", fragment->path, fragment->offset, [&] {
-            return fmt::format("{} movie fragments, whose samples are not in the tables", fragments);
+            return fmt::format("the samples of {} movie fragment{} are not in the tables", fragments,
+                               fragments == 1 ? "" : "s");
         });
     }
 }
