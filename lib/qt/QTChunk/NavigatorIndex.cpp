@@ -1,4 +1,5 @@
 #include <qt/QTChunk/detail/NavigatorIndex.h>
+#include <qt/wire/Search.h>
 
 #include <algorithm>
 
@@ -55,36 +56,28 @@ bool SyncIndex::ascending(const Table& table) {
 
 namespace {
 
-/// The first index at which `passes` holds; by halving when it stays true from there on.
 template <class Passes>
-std::uint64_t firstWhere(std::uint64_t count, bool monotonic, Passes passes) {
-    if (!monotonic) {
-        std::uint64_t i = 0;
-        while (i < count && !passes(i)) {
-            ++i;
-        }
-        return i;
+std::uint64_t walkTo(std::uint64_t count, Passes passes) {
+    std::uint64_t i = 0;
+    while (i < count && !passes(i)) {
+        ++i;
     }
-    std::uint64_t low = 0;
-    while (low < count) {
-        const std::uint64_t middle = low + (count - low) / 2;
-        if (passes(middle)) {
-            count = middle;
-        } else {
-            low = middle + 1;
-        }
-    }
-    return low;
+    return i;
 }
 
 } // namespace
 
 std::uint64_t SyncIndex::firstAtOrAfter(const Table& table, std::uint32_t sample) {
-    return firstWhere(table.held(), ascending(table), [&](std::uint64_t i) { return table.at(i) >= sample; });
+    const auto passes = [&](std::uint64_t i) { return table.at(i) >= sample; };
+    const std::uint64_t held = table.held();
+    if (held == 0 || !ascending(table)) return walkTo(held, passes);
+    return firstFrom(evenGuess(sample, table.at(0), table.at(held - 1), held), held, passes);
 }
 
-std::uint64_t SyncIndex::firstAfter(const Table& table, std::uint32_t sample) {
-    return firstWhere(table.held(), ascending(table), [&](std::uint64_t i) { return table.at(i) > sample; });
+std::uint64_t SyncIndex::firstAfter(const Table& table, std::uint32_t sample, std::uint64_t near) {
+    const auto passes = [&](std::uint64_t i) { return table.at(i) > sample; };
+    const std::uint64_t held = table.held();
+    return ascending(table) ? firstFrom(near, held, passes) : walkTo(held, passes);
 }
 
 } // namespace Ketra::QT::wire

@@ -158,7 +158,7 @@ int QTChunk::setPreviousKeyframe() {
         } else {
             previousKeyframe_ = none ? 1 : sync.at(at - 1);
         }
-        syncPosition_ = index_->sync.firstAfter(sync, currentSample_);
+        syncPosition_ = index_->sync.firstAfter(sync, currentSample_, at);
         if (held == 1 && currentSample_ > 100 && stps_) {
             previousKeyframe_ = static_cast<unsigned int>(partialKeyframe());
             syncPosition_ = 2;
@@ -243,11 +243,11 @@ int QTChunk::positionAtTime(double t) {
     std::uint64_t entry = 0;
     if (!ticksOf(sample, ownTicks, entry)) return -1;
     enterTimeEntry(entry);
-    if (!locate(sample) || sampleOffset_ == 0) return -1;
-    setTableIterators();
-    return 0;
+    return locate(sample) && sampleOffset_ != 0 ? 0 : -1;
 }
 
+/// Makes the sample at that time current but for the tables' own cursors, which whoever goes on to its key
+/// frame need not move twice.
 int QTChunk::seekTime(double t) {
     constexpr double kFirstMoment = 0.01; // anything earlier means the beginning
     if (!(t >= kFirstMoment)) t = 0;
@@ -258,6 +258,10 @@ int QTChunk::seekTime(double t) {
     return result;
 }
 
-int QTChunk::initWithTime(float t) { return seekTime(static_cast<double>(t)); }
+int QTChunk::initWithTime(float t) {
+    if (seekTime(static_cast<double>(t)) != 0) return -1;
+    setTableIterators();
+    return 0;
+}
 
 } // namespace Ketra::QT

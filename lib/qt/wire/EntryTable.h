@@ -45,6 +45,8 @@ public:
 
     static constexpr unsigned int width() { return Layout::width; }
     std::uint64_t size() const { return count_ + repeats_; }
+    std::uint64_t stored() const { return count_; } ///< entries that have bytes of their own
+    const unsigned char* bytes(std::uint64_t i) const { return data() + i * Layout::width; }
     Value at(std::uint64_t i) const { return Layout::read(data() + std::min(i, count_ - 1) * Layout::width); }
 
     /// Takes over the payload block (or, when the reader does not own it, copies) from byte `first` on.

@@ -182,6 +182,11 @@ TEST(DecodeIndex, SpecialTables) {
     expectSeeks(*tableOf<CTTS>("ctts", {{3, 9}}), 12);
     expectSeeks(*tableOf<CTTS>("ctts", {{0, 1}, {0, 2}, {0, 3}}), 8);
     expectSeeks(*tableOf<CTTS>("ctts", Runs(200, {0, 2})), 210);
+    Runs oneLong(300, {1, 2});
+    oneLong[100] = {300, 3}; // in a block of its own kind
+    oneLong[170] = {0, 4};
+    oneLong[200] = {255, 5};
+    expectSeeks(*tableOf<CTTS>("ctts", oneLong), 900);
 }
 
 TEST(DecodeIndex, SeeksFar) {

@@ -1,96 +1,27 @@
 // Moving the decode cursor of a run-length table to a sample without walking all entries before it.
 //
-// Every 64th running sum is kept; a lookup halves its way to a block and walks the rest. The sums are built
-// by the first lookup and belong to one generation of one packed table: a table that changed gets new ones,
-// and a table of objects, whose entries change without anybody being told, is walked from its start.
+// Every 64th running sum is kept; a lookup guesses its block, corrects the guess and walks the rest. The sums
+// are built by the first lookup and belong to one generation of one packed table: a table that changed gets
+// new ones, and a table of objects, whose entries change without anybody being told, is walked from its
+// start.
 #pragma once
 
 #include <qt/QTAtoms/detail/SampleRecords.h>
+#include <qt/wire/Search.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstdint>
+#include <cstring>
 #include <vector>
 
 namespace Ketra::QT::wire {
 
-/// Sums of a run-length table. `Sum` is zero when new, and add(run, index) counts the run at that index in.
-template <class Sum>
-class SampledSums {
-public:
-    struct Place {
-        std::uint64_t entry; // the entries held when there is no such entry
-        Sum before;          // the sum of all entries before it
-    };
-
-    /// The first entry whose sum, itself included, has `reached` the goal. `reached` must hold for every
-    /// larger sum too.
-    template <class Table, class Reached>
-    Place firstReaching(const Table& table, Reached reached) {
-        renew(table);
-        const auto block = std::partition_point(sums_.begin(), sums_.end(),
-                                                [&](const Sum& before) { return !reached(before); });
-        const auto skipped = block == sums_.begin() ? 0 : block - sums_.begin() - 1;
-        Place place = start(static_cast<std::uint64_t>(skipped));
-        for (const std::uint64_t held = table.held(); place.entry < held; ++place.entry) {
-            Sum through = place.before;
-            through.add(table.at(place.entry), place.entry);
-            if (reached(through)) break;
-            place.before = through;
-        }
-        return place;
-    }
-    /// The sum of the first `count` entries.
-    template <class Table>
-    Sum sumOf(const Table& table, std::uint64_t count) {
-        renew(table);
-        count = std::min(count, table.held());
-        Place place = start(sums_.empty() ? 0 : std::min<std::uint64_t>(count / kBlock, sums_.size() - 1));
-        for (; place.entry < count; ++place.entry) {
-            place.before.add(table.at(place.entry), place.entry);
-        }
-        return place.before;
-    }
-
-private:
-    static constexpr std::uint64_t kBlock = 64;
-
-    template <class Table>
-    void renew(const Table& table) {
-        const bool useful = table.packed() && table.held() > kBlock;
-        if (useful && table_ == &table && generation_ == table.generation()) return;
-        sums_.clear();
-        table_ = nullptr;
-        if (!useful) return;
-        sums_.reserve(static_cast<std::size_t>(table.held() / kBlock + 1));
-        Sum sum;
-        const auto& store = table.store();
-        for (std::uint64_t i = 0, held = table.held(); i < held;) {
-            sums_.push_back(sum);
-            for (const std::uint64_t end = std::min(i + kBlock, held); i < end; ++i) {
-                sum.add(store.at(i), i);
-            }
-        }
-        table_ = &table;
-        generation_ = table.generation();
-    }
-    Place start(std::uint64_t block) const {
-        return {block * kBlock, sums_.empty() ? Sum() : sums_[static_cast<std::size_t>(block)]};
-    }
-
-    std::vector<Sum> sums_; // before each block
-    const void* table_ = nullptr;
-    unsigned int generation_ = 0;
-};
-
-/// Steps that the decode cursor of the composition table spends on each entry: the cursor starts in the first
+/// Steps that the decode cursor of the composition table spends on an entry: the cursor starts in the first
 /// one, and every other one that it comes to gives its offset once at least.
-struct DecodeSteps {
-    std::uint64_t steps = 0;
-
-    void add(const Run& run, std::uint64_t entry) {
-        steps += entry == 0 ? run.count : std::max<std::uint32_t>(run.count, 1);
-    }
-};
+inline std::uint64_t decodeSteps(const Run& run, std::uint64_t entry) {
+    return entry == 0 ? run.count : std::max<std::uint32_t>(run.count, 1);
+}
 
 class DecodeIndex {
 public:
@@ -104,22 +35,88 @@ public:
     Position after(const Table& table, std::uint64_t steps) {
         const std::uint64_t held = table.held();
         if (steps == 0 || held == 0) return {0, 0};
-        const auto found =
-            sums_.firstReaching(table, [steps](const DecodeSteps& sum) { return sum.steps >= steps; });
-        if (found.entry < held) return position(found.entry, steps - found.before.steps);
+        renew(table);
+        Place place = blockOf(steps);
+        for (; place.entry < held; ++place.entry) {
+            const std::uint64_t through = place.before + decodeSteps(table.at(place.entry), place.entry);
+            if (through >= steps) return position(place.entry, steps - place.before);
+            place.before = through;
+        }
         // Past the end the cursor starts over within the last entry.
         const std::uint64_t last = held - 1;
-        const std::uint64_t count = std::max<std::uint32_t>(table.at(last).count, 1);
-        const std::uint64_t before = sums_.sumOf(table, last).steps;
-        return position(last, (steps - before - 1) % count + 1);
+        const Run run = table.at(last);
+        const std::uint64_t before = place.before - decodeSteps(run, last);
+        return position(last, (steps - before - 1) % std::max<std::uint32_t>(run.count, 1) + 1);
     }
 
 private:
+    static constexpr std::uint64_t kBlock = 64;
+
+    struct Place {
+        std::uint64_t entry;
+        std::uint64_t before; // the steps of all entries before it
+    };
+
     static Position position(std::uint64_t entry, std::uint64_t taken) {
         return {static_cast<unsigned int>(entry), static_cast<unsigned int>(taken)};
     }
 
-    SampledSums<DecodeSteps> sums_;
+    /// The start of the block in which the sum reaches `steps`.
+    Place blockOf(std::uint64_t steps) const {
+        if (sums_.empty()) return {0, 0};
+        const std::uint64_t blocks = sums_.size();
+        const std::uint64_t guess = evenGuess(steps, 0, sums_.back(), blocks);
+        const std::uint64_t behind = firstFrom(
+            guess, blocks, [&](std::uint64_t i) { return sums_[static_cast<std::size_t>(i)] >= steps; });
+        const std::uint64_t block = behind - 1; // the first sum is 0, which no step count is
+        return {block * kBlock, sums_[static_cast<std::size_t>(block)]};
+    }
+
+    template <class Table>
+    void renew(const Table& table) {
+        const bool useful = table.packed() && table.held() > kBlock;
+        if (useful && table_ == &table && generation_ == table.generation()) return;
+        sums_.clear();
+        table_ = nullptr;
+        if (!useful) return;
+        sums_.reserve(static_cast<std::size_t>(table.held() / kBlock + 1));
+        const auto& store = table.store();
+        std::uint64_t sum = 0;
+        for (std::uint64_t i = 0, held = table.held(); i < held; i += kBlock) {
+            sums_.push_back(sum);
+            const std::uint64_t end = std::min(i + kBlock, held);
+            if (i > 0 && i + kBlock <= store.stored() && addShortRuns(store.bytes(i), sum)) continue;
+            for (std::uint64_t k = i; k < end; ++k) {
+                sum += decodeSteps(store.at(k), k);
+            }
+        }
+        table_ = &table;
+        generation_ = table.generation();
+    }
+    /// Adds the steps of a whole block without a branch, when no run in it is longer than a byte can tell, as
+    /// they hardly ever are: the compiler makes vector instructions of it.
+    static bool addShortRuns(const unsigned char* bytes, std::uint64_t& sum) {
+        constexpr unsigned int kLowest =
+            std::endian::native == std::endian::little ? 24 : 32; // bits before it
+        constexpr std::uint64_t kHigher =
+            std::endian::native == std::endian::little ? 0xFFFFFF : 0xFFFFFF0000000000;
+        std::uint64_t any = 0;
+        std::uint64_t steps = 0;
+        for (std::uint64_t i = 0; i < kBlock; ++i) {
+            std::uint64_t entry = 0;
+            std::memcpy(&entry, bytes + i * sizeof entry, sizeof entry);
+            any |= entry;
+            const std::uint64_t count = entry >> kLowest & 0xFF;
+            steps += count + ((count - 1) >> 63); // one for a run of none
+        }
+        if (any & kHigher) return false;
+        sum += steps;
+        return true;
+    }
+
+    std::vector<std::uint64_t> sums_; // before each block
+    const void* table_ = nullptr;
+    unsigned int generation_ = 0;
 };
 
 } // namespace Ketra::QT::wire

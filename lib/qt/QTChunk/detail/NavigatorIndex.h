@@ -35,7 +35,8 @@ public:
     using Table = EntryTable<SyncEntry>;
 
     std::uint64_t firstAtOrAfter(const Table& table, std::uint32_t sample); ///< index, or the entries held
-    std::uint64_t firstAfter(const Table& table, std::uint32_t sample);
+    /// `near` is an index close to the one looked for, if one is known.
+    std::uint64_t firstAfter(const Table& table, std::uint32_t sample, std::uint64_t near = 0);
 
 private:
     bool ascending(const Table& table);

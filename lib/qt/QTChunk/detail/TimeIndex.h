@@ -45,6 +45,10 @@ private:
 
 inline void TimeIndex::pass(TimePoint& point, const Run& run, std::uint32_t group) {
     const std::uint64_t end = point.samples + run.count;
+    if (group == 1) { // the most of all tables, and nothing to divide
+        point = {point.entry + 1, end, addSaturated(point.ticks, std::uint64_t{run.count} * run.value)};
+        return;
+    }
     const std::uint64_t frames = (end + group - 1) / group - (point.samples + group - 1) / group;
     const std::uint64_t perFrame = static_cast<std::uint64_t>(run.value) * group;
     const bool fits = frames == 0 || perFrame <= ~std::uint64_t{0} / frames;
