@@ -99,6 +99,7 @@ Outcome attempt(Ferro::RStream& source, unsigned int call, bool throws) {
 /// Every call of the stream in its turn; true when each failure was told.
 bool failEach(Ferro::RStream& source, bool throws) {
     const Outcome sound = attempt(source, 0, throws);
+    if (sound.what != Outcome::kWhole) throw std::runtime_error("no movie, or a damaged one");
     unsigned int counts[5] = {};
     unsigned int calls = 0;
     for (;;) {
@@ -114,7 +115,7 @@ bool failEach(Ferro::RStream& source, bool throws) {
                 "noted by the stream %u\n",
                 throws ? "throws" : "returns errors", calls, counts[Outcome::kStreamError],
                 counts[Outcome::kLibraryError], counts[Outcome::kNoMovie], counts[Outcome::kDamaged]);
-    return sound.what == Outcome::kWhole && (!throws || counts[Outcome::kStreamError] == calls);
+    return !throws || counts[Outcome::kStreamError] == calls;
 }
 
 } // namespace
