@@ -1,0 +1,17 @@
+# What Windows shows as the properties of a program file.
+function(ketraqt_windows_version target type description)
+    set(KETRAQT_FILE_TYPE ${type})
+    set(KETRAQT_FILE_DESCRIPTION ${description})
+    get_target_property(KETRAQT_FILE_NAME ${target} OUTPUT_NAME)
+    if(NOT KETRAQT_FILE_NAME)
+        set(KETRAQT_FILE_NAME ${target})
+    endif()
+    set(resource ${PROJECT_BINARY_DIR}/${target}.rc)
+    configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${resource} @ONLY)
+    target_sources(${target} PRIVATE ${resource})
+endfunction()
+
+ketraqt_windows_version(ketraqt VFT_DLL "Ketra QT: ${PROJECT_DESCRIPTION}")
+if(TARGET ketraqt_tool)
+    ketraqt_windows_version(ketraqt_tool VFT_APP "ketraqt: looks into and rewrites movie files")
+endif()
