@@ -49,6 +49,8 @@ Json movieChapters(QT::QTMovie& movie) {
     return list;
 }
 
+} // namespace
+
 Json movieJson(const std::string& file, QT::QTMovie& movie) {
     Json tracks = Json::array();
     for (QT::QTTrack* track : movie.getTracks()) {
@@ -65,6 +67,8 @@ Json movieJson(const std::string& file, QT::QTMovie& movie) {
             {"chapter_tracks", movieChapters(movie)},
             {"user_data", userDataJson(udta ? udta->getDataAtoms() : std::vector<QT::QTDataAtom*>())}};
 }
+
+namespace {
 
 std::string texts(const Json& list) {
     std::string out;

@@ -153,6 +153,8 @@ void addRest(Json& json, QT::QTTrack& track, const Parts& parts) {
 
 } // namespace
 
+std::uint64_t payloadBytes(QT::QTTrack& track) { return payloadBytes(track, Parts(track)); }
+
 Json trackJson(QT::QTTrack& track) {
     const Parts parts(track);
     const auto* entry = parts.stsd ? parts.stsd->getSampleDescriptionData(0) : nullptr;
