@@ -41,7 +41,7 @@ unsigned int framesOf(QT::QTChunk& chunk, unsigned int stored) {
     unsigned int low = 0;
     unsigned int high = stored;
     while (low < high) {
-        const unsigned int middle = low + (high - low + 1) / 2;
+        const unsigned int middle = low + (high - low) / 2 + 1;
         if (chunk.findChunkNumber(middle) != 0) {
             low = middle;
         } else {

@@ -2,6 +2,7 @@
 #include "CommandLine.h"
 #include "Commands.h"
 #include "ToolError.h"
+#include "report/ReportCommand.h"
 
 #include <memory>
 
@@ -64,6 +65,19 @@ void addExtract(CLI::App& app, Action& action) {
     extract->add_option("-o,--output", given->output, "Where to; - is standard output")->required();
     extract->callback([given, &action] {
         action = [given] { return guarded(given->file, [given] { runExtract(*given); }); };
+    });
+}
+
+void addReport(CLI::App& app, Action& action) {
+    auto given = std::make_shared<ReportOptions>();
+    CLI::App* report =
+        addCommand(app, "report", "A page about a movie: atoms, bit rates, interleaving, times, findings",
+                   {"report movie.mp4 -o movie.html", "report movie.mp4 -o movie.html --force"});
+    report->add_option("FILE", given->file)->required();
+    report->add_option("-o,--output", given->output, "Where to; - is standard output")->required();
+    report->add_flag("--force", given->force, "Replace a file that exists");
+    report->callback([given, &action] {
+        action = [given] { return guarded(given->file, [given] { runReport(*given); }); };
     });
 }
 

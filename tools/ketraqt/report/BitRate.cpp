@@ -67,11 +67,16 @@ void addTrackGraph(std::string& page, const MovieParts& movie, const TrackPart& 
     const double most = *std::max_element(graph.bits.begin(), graph.bits.end()) / columnSeconds;
     const double mean = graph.seconds > 0 ? graph.bytes * 8 / graph.seconds : 0;
     const Axis up = rateAxis(most);
+    const auto stored = (*track.info)["samples"].get<std::uint64_t>();
+    std::string remarks;
+    if (stored > graph.samples)
+        remarks += fmt::format("; {} of {} samples are in no chunk", grouped(stored - graph.samples),
+                               grouped(stored));
+    if (graph.cutShort) remarks += "; the tables are longer than what is drawn";
     fmt::format_to(
         std::back_inserter(page),
         "<figure class=\"{}\"><figcaption><b><i></i>{}</b> {} on average, {} at most; {}{}</figcaption>",
-        track.colour, track.name, rateText(mean), rateText(most), keysText(graph),
-        graph.cutShort ? "; the tables are longer than what is drawn" : "");
+        track.colour, track.name, rateText(mean), rateText(most), keysText(graph), remarks);
     const bool keys = graph.keysListed && graph.keyCount > 0;
     openGraph(page, keys ? kKeysTop + kKeys : kPlot, timeAxis(movie.seconds),
               fmt::format("Bit rate of track {} over time", track.id));

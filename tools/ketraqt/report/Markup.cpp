@@ -118,6 +118,7 @@ std::string timeText(double seconds) {
     constexpr double kLongest = 1e12; // thirty thousand years
     if (seconds < 0) return "\xE2\x88\x92" + timeText(-seconds);
     if (!(seconds < kLongest)) return "\xE2\x80\x94";
+    if (seconds > 0 && seconds < 0.001) return decimal(seconds * 1000, 3) + " ms";
     if (seconds < 1) return decimal(seconds, 4) + " s";
     if (seconds < 60) return decimal(seconds, 2) + " s";
     const auto tenths = static_cast<std::uint64_t>(std::llround(seconds * 10));

@@ -2,6 +2,7 @@
 #include "report/Markup.h"
 #include "report/Report.h"
 
+#include <algorithm>
 #include <chrono>
 #include <fmt/format.h>
 #include <iterator>
@@ -124,12 +125,15 @@ void addTrack(std::string& page, const Json& track, std::string_view colour, std
     addFact(page, "Language", foreign(stringOf(track["language"])));
     if (!stringOf(track["handler"]).empty())
         addFact(page, "Handler", foreign(stringOf(track["handler"]), 60));
+    constexpr std::size_t kMostDigits = 60;
+    constexpr int kMostReferences = 8;
+    int references = 0;
     for (const auto& reference : track["references"]) {
-        constexpr std::size_t kMostDigits = 60;
+        if (++references > kMostReferences) break;
+        const Json& ids = reference["tracks"];
         addFact(page, "Refers to",
-                foreign(stringOf(reference["type"])) + " " +
-                    escaped(reference["tracks"].dump(), kMostDigits));
-        if (&reference - &track["references"][0] >= 7) break;
+                foreign(stringOf(reference["type"])) +
+                    (ids.empty() ? "" : " " + escaped(ids.dump(), kMostDigits)));
     }
     page += "</dl></article>";
 }
