@@ -3,7 +3,7 @@ _ketraqt() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "info tree samples extract check remux chapters timecode hint sdp --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "info tree samples extract check report remux chapters timecode hint sdp --help --version" -- "$current")
         return
     fi
     local options
@@ -50,6 +50,15 @@ _ketraqt() {
         ;;
     check)
         options="-h --help --json"
+        ;;
+    report)
+        options="-h --help -o --output --force"
+        case $previous in
+        -o | --output)
+            mapfile -t COMPREPLY < <(compgen -f -- "$current")
+            return
+            ;;
+        esac
         ;;
     remux)
         options="-h --help -o --output --flavour --tracks --fast-start --chunk-duration --chunk-size --chapters --rate --start-timecode --dry-run --force"
