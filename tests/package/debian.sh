@@ -25,4 +25,10 @@ has "$root" "$lib/libketraqt.so.$version" "$lib/cmake/KetraQT/KetraQTConfig.cmak
 no_paths_of_ours "$root"
 LD_LIBRARY_PATH=$root/$lib "$root/usr/bin/ketraqt" --version
 readelf -d "$root/usr/bin/ketraqt" | grep -E 'R(UN)?PATH' && fail "the tool has a search path"
+for file in "$root/usr/bin/ketraqt" "$root/$lib/libketraqt.so.$version"; do
+    guards=$(readelf -Wdls "$file")
+    [[ $guards == *GNU_RELRO* && $guards == *BIND_NOW* && $guards == *__stack_chk_fail* && $guards == *_chk@* ]] ||
+        fail "$file lacks the compiler's guards"
+    [[ $(file "$file") == *", stripped" ]] || fail "$file is not stripped"
+done
 scripts/consume --installed "$root/usr" "$work/consume"
