@@ -24,7 +24,7 @@ foreach(manual IN LISTS KETRAQT_MANUALS)
     get_filename_component(name ${manual} NAME)
     ketraqt_install_gz(${manual} share/man/man1 ${name} ${tool})
 endforeach()
-ketraqt_install_completions(zsh/vendor-completions fish/vendor_completions.d ${tool} EXCLUDE_FROM_ALL)
+ketraqt_install_completions(vendor-completions ${tool} EXCLUDE_FROM_ALL)
 ketraqt_install_notices(share/doc/${tool}/third-party ${tool} EXCLUDE_FROM_ALL)
 install(DIRECTORY docs examples DESTINATION share/doc/${development} COMPONENT ${development} EXCLUDE_FROM_ALL
     FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp" PATTERN "man" EXCLUDE)

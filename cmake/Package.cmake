@@ -1,7 +1,5 @@
 # What cpack makes: Debian packages and a tar.gz, or a zip for Windows; scripts/package makes and tries them all.
 # The archives hold what `cmake --install` installs; the documents below come with it.
-set(notices ${CMAKE_INSTALL_DOCDIR}/third-party)
-
 install(FILES README.md CHANGELOG.md packaging/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents)
 install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documents
     FILES_MATCHING PATTERN "*.md" PATTERN "*.cpp" PATTERN "man" EXCLUDE)
@@ -9,22 +7,18 @@ install(DIRECTORY docs examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT do
 file(GLOB KETRAQT_MANUALS CONFIGURE_DEPENDS docs/man/*.1)
 install(FILES ${KETRAQT_MANUALS} DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT tool)
 
-# ketraqt_install_completions(ZSH-FOLDER FISH-FOLDER COMPONENT [EXCLUDE_FROM_ALL]): each shell looks for its own
-# name, and a distribution's packages have folders of their own.
-function(ketraqt_install_completions zsh fish component)
-    set(bash bash-completion/completions)
-    foreach(completion "ketraqt.bash ${bash} ketraqt" "_ketraqt ${zsh} _ketraqt" "ketraqt.fish ${fish} ketraqt.fish")
-        separate_arguments(completion)
-        list(GET completion 0 file)
-        list(GET completion 1 folder)
-        list(GET completion 2 name)
-        if(EXISTS ${PROJECT_SOURCE_DIR}/completions/${file})
-            install(FILES completions/${file} DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder} RENAME ${name}
-                COMPONENT ${component} ${ARGN})
-        endif()
-    endforeach()
+# ketraqt_install_completions(ZSH-FOLDER COMPONENT [EXCLUDE_FROM_ALL]): a distribution's packages have a folder of
+# their own for zsh.
+function(ketraqt_install_completions zsh component)
+    set(shared ${CMAKE_INSTALL_DATADIR})
+    install(FILES completions/ketraqt.bash DESTINATION ${shared}/bash-completion/completions RENAME ketraqt
+        COMPONENT ${component} ${ARGN})
+    install(FILES completions/_ketraqt DESTINATION ${shared}/zsh/${zsh} COMPONENT ${component} ${ARGN})
+    install(FILES completions/ketraqt.fish DESTINATION ${shared}/fish/vendor_completions.d COMPONENT ${component} ${ARGN})
 endfunction()
-ketraqt_install_completions(zsh/site-functions fish/vendor_completions.d tool)
+if(NOT WIN32)
+    ketraqt_install_completions(site-functions tool)
+endif()
 
 # What others wrote and is inside our binaries asks for its notice to go along: the headers of the tool and, in a
 # DLL that needs nothing else, zlib and the runtime of the compiler.
