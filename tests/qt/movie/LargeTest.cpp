@@ -201,7 +201,7 @@ Bytes numbered(unsigned int i) {
 }
 
 TEST(LargeMovie, OfManySamplesIsReadToItsEnd) {
-    constexpr unsigned int kSamples = 200000;
+    constexpr unsigned int kSamples = 4000000;
     constexpr unsigned int kGroup = 50; // from key frame to key frame, and in a chunk
     const MoviePtr movie = begin(kMP4);
     QTTrack* track = beginVideo(movie, 90000);
@@ -219,12 +219,12 @@ TEST(LargeMovie, OfManySamplesIsReadToItsEnd) {
         const Bytes chunk = take(track->saveChunk(offset));
         media.insert(media.end(), chunk.begin(), chunk.end());
     }
-    ASSERT_EQ(media.size(), 500000U); // 50000 times 1 + 2 + 3 + 4
+    ASSERT_EQ(media.size(), 10000000U); // a million times 1 + 2 + 3 + 4
 
     AtomFile file(atom("mdat", media) + finish(movie));
     const MoviePtr read(QTMovie::createNewQTMovieFromStream(&file.stream(), kMP4));
     ASSERT_TRUE(read);
-    EXPECT_EQ(read->getDuration(), 8000.0);
+    EXPECT_EQ(read->getDuration(), 160000.0);
     QTTrack* back = read->getTrackID(1);
     ASSERT_TRUE(back);
     EXPECT_EQ(childOf<STSZ>(sampleTable(*back), fourCC("stsz"))->getNumberOfEntries(), kSamples);
@@ -236,19 +236,19 @@ TEST(LargeMovie, OfManySamplesIsReadToItsEnd) {
         EXPECT_EQ(frame->getTime(), (n - 1) / 25.0);
         EXPECT_EQ(frame->getIsKeyFrame(), n % kGroup == 1) << n;
     };
-    for (const unsigned int n : {1U, 2U, 100001U, 65535U, 199950U, 199999U}) {
+    for (const unsigned int n : {1U, 2U, 100001U, 65535U, 3999950U, 3999999U}) {
         ASSERT_EQ(back->initWithSample(n), 0) << n;
         expectNext(n);
         expectNext(n + 1);
     }
     EXPECT_EQ(back->getChunk()->getNextFrame(), nullptr); // that was the last one
 
-    ASSERT_EQ(back->initWithTime(7999.0F), 0); // sample 199976, whose key frame is 199951
-    for (unsigned int n = 199951; n <= kSamples; ++n) {
+    ASSERT_EQ(back->initWithTime(159999.0F), 0); // sample 3999976, whose key frame is 3999951
+    for (unsigned int n = 3999951; n <= kSamples; ++n) {
         expectNext(n);
     }
     EXPECT_EQ(back->getChunk()->getNextFrame(), nullptr);
-    EXPECT_EQ(back->initWithTime(8001.0F), -1);
+    EXPECT_EQ(back->initWithTime(160001.0F), -1);
 }
 
 } // namespace
