@@ -48,8 +48,8 @@ void drawAtom(std::string& page, const MovieParts& movie, std::size_t index, std
                    "<a href=\"#a{}\"{}><rect class=\"atom {}\" x=\"{}\" width=\"{}\" y=\"{}\" height=\"{}\">",
                    index, width < 0.02 ? " tabindex=\"-1\"" : "", kindOf(atom, movie), at(from), at(width),
                    decimal(top), decimal(height - 2));
-    fmt::format_to(out, "<title>{} at {}, {}</title></rect>", escaped(name), grouped(atom.offset),
-                   plural(atom.size, "byte", "bytes"));
+    fmt::format_to(out, "<title>{} at {} ({:#x}), {}</title></rect>", escaped(name), grouped(atom.offset),
+                   atom.offset, plural(atom.size, "byte", "bytes"));
     const double pixels = static_cast<double>(name.size()) * 8 + 8;
     constexpr double kNarrowPlot = 300; // of a phone
     constexpr double kWidePlot = 640;

@@ -4,6 +4,7 @@
 #include "report/Report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 #include <iterator>
 
@@ -27,7 +28,7 @@ void addColumns(std::string& page, const TrackGraph& graph, double columnSeconds
     }
     for (std::size_t i = 0; i < last; ++i) {
         const double height = std::clamp(graph.bits[i] / columnSeconds / top, 0.0, 1.0);
-        const double y = static_cast<double>(static_cast<int>(kGrid * (1 - height) + 0.5));
+        const double y = std::round(kGrid * (1 - height));
         if (y != drawn || i == 0) {
             if (i > 0) fmt::format_to(out, "H{}", decimal(static_cast<double>(i) * kWidth, 1));
             fmt::format_to(out, "V{}", y);

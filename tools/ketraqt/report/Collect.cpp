@@ -31,7 +31,7 @@ public:
             const auto own = tracks_.find(child);
             const int belongs = own == tracks_.end() ? track : own->second;
             const std::uint64_t offset = child->getOffset();
-            const auto place = parts_.atoms.size() < kMostAtoms ? store_.payloadOf(child) : std::nullopt;
+            const auto place = parts_.atoms.size() < kMostAtoms ? store_.placeOf(child) : std::nullopt;
             const bool placed = place && !place->unpacked && offset >= begin && offset < end;
             const std::uint64_t size = place ? place->size : child->getSize();
             if (parts_.atoms.size() < kMostAtoms)
@@ -80,9 +80,7 @@ void addTracks(MovieParts& parts, TableStore& store, QT::QTMovie& movie) {
 
 } // namespace
 
-MovieParts collect(const std::string& file, Source& source, QT::QTAtom& root, QT::QTMovie* movie) {
-    MovieParts parts;
-    parts.file = file;
+void collect(MovieParts& parts, Source& source, QT::QTAtom& root, QT::QTMovie* movie) {
     parts.fileSize = source.fileSize();
     TableStore store(source, root);
     std::map<const QT::QTAtom*, int> tracks;
@@ -91,14 +89,13 @@ MovieParts collect(const std::string& file, Source& source, QT::QTAtom& root, QT
         parts.modified = header->getModificationTime();
     }
     if (movie) {
-        parts.info = movieJson(file, *movie);
+        parts.info = movieJson(parts.file, *movie);
         addTracks(parts, store, *movie);
         for (std::size_t i = 0; i < parts.tracks.size(); ++i) {
             tracks[movie->getTracks()[i]->getTrak()] = static_cast<int>(i);
         }
     }
     AtomWalk(parts, store, tracks).add(root, 0, 0, parts.fileSize, -1);
-    return parts;
 }
 
 } // namespace Ketra::Tool::Report

@@ -7,7 +7,7 @@
 
 namespace Ketra::Tool::Report {
 
-/// `movie` is null for a file that is none but has atoms.
-MovieParts collect(const std::string& file, Source& source, QT::QTAtom& root, QT::QTMovie* movie);
+/// Fills all but the name of the file. `movie` is null for a file that is none but has atoms.
+void collect(MovieParts& parts, Source& source, QT::QTAtom& root, QT::QTMovie* movie);
 
 } // namespace Ketra::Tool::Report

@@ -88,7 +88,7 @@ void addOffsets(std::string& page, const MovieParts& movie, const TrackPart& tra
     openStretched(page, 0, kPlot);
     constexpr double kWidth = kGrid / static_cast<double>(kColumns);
     constexpr double kThinnest = 20;
-    page += "<path class=\"block\" d=\"";
+    page += "<path class=\"area\" d=\"";
     for (std::size_t i = 0; i < kColumns;) {
         const OffsetColumn& column = graph.offsets[i];
         std::size_t end = i + 1;

@@ -43,9 +43,9 @@ void addFinding(std::string& page, const Finding& finding) {
         "<path d=\"{}\"/></svg><div><b>{}</b> {}{}",
         look.style, look.icon, look.word, foreign(finding.text, 200),
         finding.count > 1 ? " <em>(" + plural(finding.count, "time", "times") + ")</em>" : "");
-    fmt::format_to(out, "<p><code>{}</code> at {} <span>{}</span></p></div></li>",
+    fmt::format_to(out, "<p><code>{}</code> at {} ({:#x}) <span>{}</span></p></div></li>",
                    finding.path.empty() ? "the file" : foreign(finding.path, 100), grouped(finding.offset),
-                   escaped(finding.rule, 60));
+                   finding.offset, escaped(finding.rule, 60));
 }
 
 } // namespace

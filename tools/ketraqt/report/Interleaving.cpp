@@ -5,6 +5,7 @@
 #include "report/Report.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 #include <iterator>
 
@@ -75,7 +76,7 @@ void addLane(std::string& page, const TrackPart& track, double fileSize, double 
         const FileColumn& column = track.graph.places[i];
         if (!used(column)) return 0;
         const double share = std::min(1.0, column.bytes / columnBytes);
-        return 1 + static_cast<int>(share * (kLevels - 1) + 0.5);
+        return 1 + static_cast<int>(std::lround(share * (kLevels - 1)));
     };
     for (std::size_t i = 0; i < kColumns;) {
         const int level = levelOf(i);

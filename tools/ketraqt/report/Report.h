@@ -35,7 +35,12 @@ struct AtomRow {
     int track;   ///< index of the track that it belongs to; -1: none
 };
 
+/// Tracks point into what is told of the movie.
 struct MovieParts {
+    MovieParts() = default;
+    MovieParts(const MovieParts&) = delete;
+    MovieParts& operator=(const MovieParts&) = delete;
+
     std::string file;
     std::uint64_t fileSize = 0;
     Json info;                ///< null without a movie

@@ -62,7 +62,10 @@ void openPage(std::string& page, const MovieParts& movie) {
     page += "</ul></nav></header>\n<main id=\"main\">\n";
 }
 
-std::string pageOf(const MovieParts& movie, Source& source) {
+std::string pageOf(const std::string& file, Source& source, QT::QTAtom& root, QT::QTMovie* tracks) {
+    MovieParts movie;
+    movie.file = file;
+    collect(movie, source, root, tracks);
     std::string page;
     openPage(page, movie);
     addSummary(page, movie);
@@ -123,16 +126,13 @@ void runReport(const ReportOptions& options) {
     if (options.output != "-") Report::keepApart(options);
     Source source(options.file);
     if (const auto movie = readMovie(source)) {
-        Report::write(
-            options,
-            Report::pageOf(Report::collect(options.file, source, *movie->getRoot(), movie.get()), source));
+        Report::write(options, Report::pageOf(options.file, source, *movie->getRoot(), movie.get()));
         return;
     }
     // What atoms there are may tell why it is no movie.
     AtomTree tree(source.stream());
     if (!tree.root().getChildren().empty())
-        Report::write(options,
-                      Report::pageOf(Report::collect(options.file, source, tree.root(), nullptr), source));
+        Report::write(options, Report::pageOf(options.file, source, tree.root(), nullptr));
     refuse(tree);
 }
 

@@ -9,12 +9,10 @@ namespace Ketra::Tool::Report {
 TimeRuns::TimeRuns(TableStore& store, const QT::QTAtom* stbl) {
     constexpr std::size_t kMostRuns = std::size_t{1} << 22;
     constexpr std::uint64_t kMostTicks = std::uint64_t{1} << 62;
-    TableWords words(store, childOf<QT::QTAtom>(stbl, QT::fourCC("stts")));
-    std::uint32_t stated = 0;
-    if (!words.next(stated)) return;
-    std::uint32_t count = 0;
-    std::uint32_t delta = 0;
-    for (std::uint32_t i = 0; i < stated && words.next(count) && words.next(delta); ++i) {
+    Rows rows = store.tableOf(childOf<QT::QTAtom>(stbl, QT::fourCC("stts")), 8, 8).rows;
+    while (rows.next()) {
+        const unsigned int count = rows.u32(0);
+        const unsigned int delta = rows.u32(4);
         const std::uint64_t length = static_cast<std::uint64_t>(count) * delta;
         if (runs_.size() == kMostRuns || length > kMostTicks - ticks_) {
             cutShort_ = true;

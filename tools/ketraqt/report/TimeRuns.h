@@ -1,7 +1,7 @@
 // Decode times of the samples of a track.
 #pragma once
 
-#include "report/TableWords.h"
+#include "report/TableStore.h"
 
 #include <cstdint>
 #include <vector>

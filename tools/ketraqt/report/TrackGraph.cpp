@@ -56,21 +56,23 @@ public:
     }
 
 private:
-    const QT::QTAtom* table(unsigned int type) const { return childOf<QT::QTAtom>(stbl_, type); }
+    Table tableOf(unsigned int type, unsigned int before, unsigned int rowSize) {
+        return store_.tableOf(childOf<QT::QTAtom>(stbl_, type), before, rowSize);
+    }
+    /// Whether this row of a table is still looked at.
+    bool within(std::uint64_t row) {
+        graph_.cutShort = graph_.cutShort || row >= kMostEntries;
+        return row < kMostEntries;
+    }
     double inSeconds(std::uint64_t ticks) const { return static_cast<double>(ticks) / graph_.scale; }
     double timeOf(std::uint64_t sample) const { return inSeconds(times_.tickOf(sample)); }
 
     void readKeys() {
-        TableWords words(store_, table(fourCC("stss")));
-        std::uint32_t count = 0;
-        graph_.keysListed = words.found() && words.next(count);
+        Table table = tableOf(fourCC("stss"), 8, 4);
+        graph_.keysListed = table.found;
         double previous = 0;
-        std::uint32_t number = 0;
-        for (std::uint64_t i = 0; i < count && words.next(number); ++i) {
-            if (i >= kMostEntries) {
-                graph_.cutShort = true;
-                break;
-            }
+        while (within(graph_.keyCount) && table.rows.next()) {
+            const unsigned int number = table.rows.u32(0);
             if (number == 0) continue;
             ++graph_.keyCount;
             if (keys_.size() < kFirstSamples) keys_.push_back(number);
@@ -78,26 +80,18 @@ private:
             graph_.longestKeyGap = std::max(graph_.longestKeyGap, time - previous);
             previous = time;
             spread(time * perSecond_, time * perSecond_,
-                   [this](std::size_t i_, double, double, double) { ++graph_.keys[i_]; });
+                   [this](std::size_t i, double, double, double) { ++graph_.keys[i]; });
         }
         if (graph_.keyCount) graph_.longestKeyGap = std::max(graph_.longestKeyGap, graph_.seconds - previous);
     }
 
     void readOffsets() {
-        TableWords words(store_, table(fourCC("ctts")));
-        std::uint32_t runs = 0;
+        Rows rows = tableOf(fourCC("ctts"), 8, 8).rows;
         std::uint64_t sample = 0;
-        if (words.found()) words.next(runs);
-        for (std::uint64_t i = 0; i < runs && sample < times_.samples(); ++i) {
-            std::uint32_t count = 0;
-            std::uint32_t stored = 0;
-            if (!words.next(count) || !words.next(stored)) break;
-            if (i >= kMostEntries) {
-                graph_.cutShort = true;
-                break;
-            }
-            addOffset(sample, count, static_cast<double>(static_cast<std::int32_t>(stored)) / graph_.scale);
-            sample += count;
+        for (std::uint64_t i = 0; sample < times_.samples() && within(i) && rows.next(); ++i) {
+            const auto offset = static_cast<std::int32_t>(rows.u32(4));
+            addOffset(sample, rows.u32(0), static_cast<double>(offset) / graph_.scale);
+            sample += rows.u32(0);
         }
         for (std::uint64_t i = graph_.first.size(); i < kFirstSamples && i < times_.samples(); ++i) {
             addFirst(i, 0);
@@ -130,80 +124,48 @@ private:
     }
 
     void readChunks() {
-        TableWords offsets(store_, table(fourCC("stco")));
-        TableWords runs(store_, table(fourCC("stsc")));
-        TableWords sizes(store_, table(fourCC("stsz")));
-        std::uint32_t chunks = 0;
-        std::uint32_t runCount = 0;
-        if (!offsets.next(chunks) || !runs.next(runCount) || !openSizes(sizes)) return;
-        Run next;
-        bool more = nextRun(runs, runCount, next);
-        Run run;
+        Table offsets = tableOf(fourCC("stco"), 8, 4);
+        Rows runs = tableOf(fourCC("stsc"), 8, 12).rows;
+        Rows sizes = openSizes();
+        const bool wide = offsets.type == fourCC("co64");
+        bool more = runs.next();
+        std::uint64_t perChunk = 0;
         std::uint64_t sample = 0;
-        for (std::uint64_t chunk = 1; chunk <= chunks && sample < stored_; ++chunk) {
-            std::uint64_t offset = 0;
-            if (!nextOffset(offsets, offset)) break;
-            if (chunk > kMostEntries) {
-                graph_.cutShort = true;
-                break;
+        for (std::uint64_t chunk = 1; sample < stored_ && within(chunk) && offsets.rows.next(); ++chunk) {
+            while (more && runs.u32(0) <= chunk) {
+                perChunk = runs.u32(4);
+                more = runs.next();
             }
-            while (more && next.firstChunk <= chunk) {
-                run = next;
-                more = nextRun(runs, runCount, next);
-            }
-            const std::uint64_t count = std::min<std::uint64_t>(run.samples, stored_ - sample);
+            const std::uint64_t count = std::min(perChunk, stored_ - sample);
+            const std::uint64_t offset = wide ? offsets.rows.u64(0) : offsets.rows.u32(0);
             addChunk(offset, sample, count, addSamples(sizes, sample, count));
             sample += count;
         }
         graph_.samples = sample;
     }
 
-    struct Run {
-        std::uint32_t firstChunk = 0;
-        std::uint32_t samples = 0;
-    };
-    static bool nextRun(TableWords& words, std::uint32_t& left, Run& run) {
-        std::uint32_t description = 0;
-        if (left == 0) return false;
-        --left;
-        return words.next(run.firstChunk) && words.next(run.samples) && words.next(description);
-    }
-
-    static bool nextOffset(TableWords& words, std::uint64_t& offset) {
-        if (words.type() == fourCC("co64")) return words.next64(offset);
-        std::uint32_t word = 0;
-        if (!words.next(word)) return false;
-        offset = word;
-        return true;
-    }
-
-    bool openSizes(TableWords& words) {
-        std::uint32_t constant = 0;
-        std::uint32_t count = 0;
-        if (!words.next(constant) || !words.next(count)) return false;
-        stored_ = count;
+    Rows openSizes() {
+        constexpr unsigned int kBefore = 12;
+        Table table = tableOf(fourCC("stsz"), kBefore, 4);
+        stored_ = table.stated;
+        listed_ = table.second == 0;
         // The size may stand for what is counted in another way than in bytes.
-        if (constant) constant_ = count ? static_cast<double>(payloadBytes(track_)) / count : 0;
-        listed_ = constant == 0;
-        return true;
+        if (!listed_ && stored_)
+            constant_ = static_cast<double>(payloadBytes(track_)) / static_cast<double>(stored_);
+        return table.rows;
     }
 
     /// Their bytes.
-    double addSamples(TableWords& sizes, std::uint64_t sample, std::uint64_t count) {
+    double addSamples(Rows& sizes, std::uint64_t sample, std::uint64_t count) {
         if (!listed_) {
             const double bytes = constant_ * static_cast<double>(count);
             addBits(timeOf(sample), timeOf(sample + count), bytes * 8);
             return bytes;
         }
         double sum = 0;
-        for (std::uint64_t i = 0; i < count; ++i) {
-            std::uint32_t size = 0;
-            if (!sizes.next(size)) break;
-            if (sample + i >= kMostEntries) {
-                graph_.cutShort = true;
-                break;
-            }
-            addBits(timeOf(sample + i), timeOf(sample + i + 1), static_cast<double>(size) * 8);
+        for (std::uint64_t i = sample; i < sample + count && within(i) && sizes.next(); ++i) {
+            const double size = sizes.u32(0);
+            addBits(timeOf(i), timeOf(i + 1), size * 8);
             sum += size;
         }
         return sum;

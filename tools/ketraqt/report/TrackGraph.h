@@ -1,7 +1,7 @@
 // What the graphs show of a track: its sample tables, summed up in a fixed number of columns.
 #pragma once
 
-#include "report/TableWords.h"
+#include "report/TableStore.h"
 
 #include <qt/QTTrack.h>
 
