@@ -20,6 +20,7 @@ void addTree(CLI::App& app, Action& action);
 void addSamples(CLI::App& app, Action& action);
 void addExtract(CLI::App& app, Action& action);
 void addCheck(CLI::App& app, Action& action);
+void addDiff(CLI::App& app, Action& action);
 void addReport(CLI::App& app, Action& action);
 void addHint(CLI::App& app, Action& action);
 void addSdp(CLI::App& app, Action& action);

@@ -38,8 +38,16 @@ struct CheckOptions {
     bool json = false;
 };
 
+struct DiffOptions {
+    std::string a;
+    std::string b;
+    bool ignoreTimes = false; ///< when the movie, its tracks and media were made and changed
+    bool json = false;
+};
+
 int runInfo(const std::vector<std::string>& files, bool json); ///< goes on after a bad file; the worst code
 int runCheck(const CheckOptions& options); ///< likewise; kFindings when there is a warning or an error
+int runDiff(const DiffOptions& options);   ///< kFindings when they differ
 void runTree(const std::string& file, bool json);
 void runSamples(const SamplesOptions& options);
 void runExtract(const ExtractOptions& options);

@@ -91,6 +91,18 @@ void addCheck(CLI::App& app, Action& action) {
     check->callback([given, &action] { action = [given] { return runCheck(*given); }; });
 }
 
+void addDiff(CLI::App& app, Action& action) {
+    auto given = std::make_shared<DiffOptions>();
+    CLI::App* diff = addCommand(app, "diff", "How two movies differ: atoms, fields, tracks and samples",
+                                {"diff movie.mov copy.mov", "diff --ignore-times movie.mov copy.mov",
+                                 "diff --json movie.mov copy.mov"});
+    diff->add_option("A", given->a)->required();
+    diff->add_option("B", given->b)->required();
+    diff->add_flag("--ignore-times", given->ignoreTimes, "Leave out when they were made and changed");
+    diff->add_flag("--json", given->json, "One JSON object");
+    diff->callback([given, &action] { action = [given] { return runDiff(*given); }; });
+}
+
 void addSdp(CLI::App& app, Action& action) {
     auto file = std::make_shared<std::string>();
     CLI::App* sdp = addCommand(app, "sdp", "The session description of a movie with hint tracks",

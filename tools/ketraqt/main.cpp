@@ -15,6 +15,7 @@ void addCommands(CLI::App& app, Action& action) {
     addSamples(app, action);
     addExtract(app, action);
     addCheck(app, action);
+    addDiff(app, action);
     addReport(app, action);
     addRemux(app, action);
     addChapters(app, action);
