@@ -3,7 +3,7 @@ _ketraqt() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "info tree samples extract check report remux chapters timecode hint sdp --help --version" -- "$current")
+        mapfile -t COMPREPLY < <(compgen -W "info tree samples extract check diff report remux chapters timecode hint sdp --help --version" -- "$current")
         return
     fi
     local options
@@ -36,7 +36,7 @@ _ketraqt() {
         esac
         ;;
     extract)
-        options="-h --help --track -o --output"
+        options="-h --help --track -o --output --force"
         case $previous in
         --track)
             :
@@ -50,6 +50,9 @@ _ketraqt() {
         ;;
     check)
         options="-h --help --json"
+        ;;
+    diff)
+        options="-h --help --ignore-times --json"
         ;;
     report)
         options="-h --help -o --output --force"

@@ -315,6 +315,54 @@ class Extract(ToolTest):
         self.assertIn("3 of these frames end beyond the end of the file", err)
 
 
+    def test_an_output_that_exists(self):
+        out = self.file("out", b"old")
+        self.assertIn("--force", self.assert_fails(5, "extract", self.movie, "--track", "1", "-o", out))
+        self.assertEqual(os.path.getsize(out), 3)
+        self.assertEqual(run("extract", self.movie, "--track", "1", "-o", out, "--force"), (0, b"", ""))
+        self.assertEqual(os.path.getsize(out), len(self.video))
+
+
+class Places(ToolTest):
+    """Messages about damage tell where it is."""
+
+    def test_tables(self):
+        content = moviemaker.movie([moviemaker.video_track()], [600])
+        at = content.index(b"stsc") - 4
+        path = self.file("bad.mov", content[:at + 16] + b"\1" + content[at + 17:])
+        place = rf"^ketraqt: {path}: moov/trak\[1\]/mdia/minf/stbl/stsc @0x{at:x}: chunks of 0 samples, .* \(track 1.*\)\n$"
+        for arguments in (["samples", path, "--track", "1"], ["extract", path, "--track", "1", "-o", self.path("out")],
+                          ["remux", path, "-o", self.path("out.mov"), "--flavour", "mov"]):
+            code, _, err = run(*arguments)
+            self.assertEqual(code, 4, arguments)
+            self.assertRegex(err, place)
+
+    def test_only_of_the_track(self):
+        content = moviemaker.example()
+        at = content.index(b"stsc") - 4  # of the first track
+        cut = content.index(b"stco", content.index(b"stco") + 1) + 12
+        content = content[:at + 16] + b"\1" + content[at + 17:cut] + b"\x7f" + content[cut + 1:]
+        path = self.file("bad.mov", content)
+        code, _, err = run("extract", path, "--track", "2", "-o", self.path("out"))
+        self.assertEqual(code, 4)
+        self.assertRegex(err, rf"^ketraqt: {path}: moov/trak\[2\]/mdia/minf/stbl/stco @0x[0-9a-f]+: chunk 1 .*track 2.*\n$")
+
+    def test_no_header(self):
+        content = moviemaker.example()
+        at = content.index(b"mdat") - 4
+        path = self.file("bad.mov", content[:at] + b"\xff" + content[at + 1:])
+        for command in ("info", "tree", "check"):
+            code, _, err = run(command, path)
+            self.assertEqual(code, 4)
+            self.assertRegex(err, rf"^ketraqt: {path}: mdat @0x{at:x}: \d+ bytes of it run over .* \(not a movie: .*\)\n$")
+
+    def test_repeated_messages(self):
+        path = self.path("missing")
+        code, _, err = run("info", path, path, path)
+        self.assertEqual(code, 3)
+        self.assertEqual(err, f"ketraqt: {path}: no such file\nketraqt: 2 more messages like these\n")
+
+
 class Hostile(ToolTest):
     def assert_survives(self, content):
         path = self.file("bad.mov", content)

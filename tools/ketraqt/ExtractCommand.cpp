@@ -20,6 +20,12 @@ void keepApart(const ExtractOptions& options) {
     }
 }
 
+void keepOld(const ExtractOptions& options) {
+    std::error_code ignored;
+    if (options.force || !std::filesystem::is_regular_file(nativePath(options.output), ignored)) return;
+    throw ToolError(kNotAllowed, fmt::format("{} exists already; --force replaces it", options.output));
+}
+
 void copyFrames(FrameWalk& walk, Output& output, std::uint64_t& missing) {
     Progress progress(walk.storedSamples());
     FramePlace place;
@@ -48,12 +54,13 @@ void runExtract(const ExtractOptions& options) {
         copyFrames(walk, output, missing);
     } else {
         keepApart(options);
+        keepOld(options);
         Output output(options.output);
         copyFrames(walk, output, missing);
     }
     if (missing) {
-        throw ToolError(kMalformed, fmt::format("the file ends early: {} bytes of track {} are missing",
-                                                missing, options.track));
+        throw TrackError(options.track, fmt::format("the file ends early: {} bytes of track {} are missing",
+                                                    missing, options.track));
     }
 }
 

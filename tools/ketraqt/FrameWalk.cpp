@@ -1,7 +1,6 @@
 #include "FrameWalk.h"
 
 #include "Atoms.h"
-#include "ToolError.h"
 
 #include <base/CException.h>
 #include <qt/QTAtoms/samples/STSZ.h>
@@ -23,14 +22,19 @@ Ticks ticksOf(const QT::QTFrame& frame, unsigned int scale) {
 }
 
 FrameWalk::FrameWalk(QT::QTTrack& track) : track_(track), chunk_(track.getChunk()) {
-    if (!chunk_) throw ToolError(kMalformed, fmt::format("track {} has no sample tables", track.getID()));
+    if (!chunk_) throw TrackError(track.getID(), fmt::format("track {} has no sample tables", track.getID()));
     const auto* sizes =
         atomAt<QT::STSZ>(track.getTrak(), {fourCC("mdia"), fourCC("minf"), fourCC("stbl"), fourCC("stsz")});
     stored_ = sizes ? sizes->getNumberOfEntries() : 0;
     constantSize_ = sizes && sizes->getSampleSize() != 0;
     atEnd_ = stored_ == 0;
     // The cursor itself: positioning through the track would skip what the edit list leaves out.
-    if (!atEnd_) chunk_->initWithSample(1);
+    if (atEnd_) return;
+    try {
+        chunk_->initWithSample(1);
+    } catch (const CException& error) {
+        throw TrackError(track.getID(), fmt::format("track {}: {}", track.getID(), error.what()));
+    }
 }
 
 void FrameWalk::startAtSample(unsigned int number) {
@@ -72,8 +76,9 @@ std::unique_ptr<QT::QTFrame> FrameWalk::frameAt(const FramePlace& place) {
     try {
         return std::unique_ptr<QT::QTFrame>(chunk_->getNextFrame());
     } catch (const CException& error) {
-        throw ToolError(kMalformed, fmt::format("track {}, sample {} ({} bytes at {}): {}", track_.getID(),
-                                                place.sample, place.size, place.offset, error.what()));
+        throw TrackError(track_.getID(),
+                         fmt::format("track {}, sample {} ({} bytes at {}): {}", track_.getID(), place.sample,
+                                     place.size, place.offset, error.what()));
     }
 }
 

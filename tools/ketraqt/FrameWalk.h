@@ -1,14 +1,27 @@
 // All frames of a track in order, with the place of each in the file.
 #pragma once
 
+#include "ToolError.h"
+
 #include <qt/QTChunk.h>
 #include <qt/QTFrame.h>
 #include <qt/QTTrack.h>
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 namespace Ketra::Tool {
+
+/// What is wrong with the samples of a track; a message adds the place of the damage.
+class TrackError : public ToolError {
+public:
+    TrackError(unsigned int track, const std::string& text) : ToolError(kMalformed, text), track_(track) {}
+    unsigned int track() const { return track_; } ///< its ID
+
+private:
+    unsigned int track_;
+};
 
 struct FramePlace {
     unsigned int sample = 0; ///< number, from 1
@@ -30,14 +43,14 @@ Ticks ticksOf(const QT::QTFrame& frame, unsigned int scale);
 /// Goes by the sample tables alone: no edit list is applied.
 class FrameWalk {
 public:
-    /// At the first sample. Throws CException when the tables cannot be followed.
+    /// At the first sample. Throws TrackError when the tables cannot be followed.
     explicit FrameWalk(QT::QTTrack& track);
 
     void startAtSample(unsigned int number); ///< throws ToolError beyond the last one
     /// The key frame at or before the sample that is decoded at that time. Throws ToolError beyond the end.
     void startAtTime(double seconds);
 
-    /// The frame at the position, which then moves on; null at the end. Throws ToolError for a damaged one.
+    /// The frame at the position, which then moves on; null at the end. Throws TrackError for a damaged one.
     std::unique_ptr<QT::QTFrame> next(FramePlace& place);
 
     unsigned int storedSamples() const { return stored_; }

@@ -5,6 +5,7 @@
 #include "Source.h"
 #include "Text.h"
 #include "ToolError.h"
+#include "check/Check.h"
 
 #include <fmt/format.h>
 #include <iterator>
@@ -70,8 +71,9 @@ void runSamples(const SamplesOptions& options) {
         progress.update(place.sample);
     }
     output.finish();
-    if (cutShort)
-        complain(options.file, fmt::format("{} of these frames end beyond the end of the file", cutShort));
+    if (!cutShort) return;
+    const std::string text = fmt::format("{} of these frames end beyond the end of the file", cutShort);
+    complain(options.file, withPlace(source, text, options.track));
 }
 
 } // namespace Ketra::Tool

@@ -3,6 +3,8 @@
 
 #include "check/Finding.h"
 
+#include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -19,5 +21,9 @@ std::string_view severityName(Severity severity);
 
 /// The place and what is wrong, "path @0x1a3f: text (and 3 more)".
 std::string findingText(const Finding& finding);
+
+/// The message, behind the place of the first error that may be the reason for it: one in the track with the
+/// ID, or, without one, anywhere.
+std::string withPlace(Source& source, const std::string& text, std::optional<unsigned int> track);
 
 } // namespace Ketra::Tool

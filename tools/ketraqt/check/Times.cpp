@@ -138,7 +138,8 @@ void checkTimes(const Subject& subject, MovieHead& movie) {
     std::uint64_t longest = 0;
     for (TrackHead& track : movie.tracks) {
         TrackTimes(subject, movie, track).check();
-        longest = std::max(longest, track.duration.value_or(0));
+        // What a server sends is not shown.
+        if (track.handler != fourCC("hint")) longest = std::max(longest, track.duration.value_or(0));
     }
     if (!movie.duration || movie.tracks.empty() || subject.fragmented || movie.timeScale == 0) return;
     const double told = static_cast<double>(*movie.duration);
