@@ -31,7 +31,7 @@ std::string placed(const std::string& file, const std::string& text, std::option
 class Said {
 public:
     ~Said() {
-        if (again_ > 0) fmt::print(stderr, "ketraqt: {} more messages like these\n", again_);
+        if (again_ > 0) std::fprintf(stderr, "ketraqt: %llu more messages like these\n", again_);
     }
 
     bool isNew(const std::string& line) {
@@ -46,7 +46,7 @@ public:
 
 private:
     std::unordered_set<std::string> lines_;
-    std::uint64_t again_ = 0;
+    unsigned long long again_ = 0;
 };
 
 } // namespace
