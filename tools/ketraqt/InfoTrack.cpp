@@ -76,6 +76,7 @@ Json editsJson(const QT::ELST* elst) {
 Json referencesJson(const QT::TREF* tref) {
     Json references = Json::array();
     for (QT::QTAtom* child : tref ? tref->getChildren() : std::vector<QT::QTAtom*>()) {
+        if (!child) continue;
         Json tracks = Json::array();
         if (const auto* one = dynamic_cast<QT::TrackReference*>(child)) {
             tracks.push_back(one->getTrackID());
