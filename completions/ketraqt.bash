@@ -36,7 +36,7 @@ _ketraqt() {
         esac
         ;;
     extract)
-        options="-h --help --track -o --output --force"
+        options="-h --help --track -o --output"
         case $previous in
         --track)
             :

@@ -26,7 +26,6 @@ complete -c ketraqt -n '__fish_seen_subcommand_from samples' -l json -d 'One JSO
 complete -c ketraqt -n '__fish_seen_subcommand_from extract' -s h -l help -d 'Print this help message and exit'
 complete -c ketraqt -n '__fish_seen_subcommand_from extract' -l track -x -d 'ID of the track'
 complete -c ketraqt -n '__fish_seen_subcommand_from extract' -s o -l output -r -F -d 'Where to; - is standard output'
-complete -c ketraqt -n '__fish_seen_subcommand_from extract' -l force -d 'Replace a file that exists'
 complete -c ketraqt -n '__fish_seen_subcommand_from check' -s h -l help -d 'Print this help message and exit'
 complete -c ketraqt -n '__fish_seen_subcommand_from check' -l json -d 'One JSON object a file, each on a line of its own'
 complete -c ketraqt -n '__fish_seen_subcommand_from diff' -s h -l help -d 'Print this help message and exit'

@@ -21,7 +21,6 @@ struct ExtractOptions {
     std::string file;
     unsigned int track = 0;
     std::string output; ///< "-": standard output
-    bool force = false; ///< the output may be replaced
 };
 
 struct HintOptions {

@@ -20,12 +20,6 @@ void keepApart(const ExtractOptions& options) {
     }
 }
 
-void keepOld(const ExtractOptions& options) {
-    std::error_code ignored;
-    if (options.force || !std::filesystem::is_regular_file(nativePath(options.output), ignored)) return;
-    throw ToolError(kNotAllowed, fmt::format("{} exists already; --force replaces it", options.output));
-}
-
 void copyFrames(FrameWalk& walk, Output& output, std::uint64_t& missing) {
     Progress progress(walk.storedSamples());
     FramePlace place;
@@ -54,7 +48,6 @@ void runExtract(const ExtractOptions& options) {
         copyFrames(walk, output, missing);
     } else {
         keepApart(options);
-        keepOld(options);
         Output output(options.output);
         copyFrames(walk, output, missing);
     }

@@ -63,7 +63,6 @@ void addExtract(CLI::App& app, Action& action) {
     extract->add_option("FILE", given->file)->required();
     extract->add_option("--track", given->track, "ID of the track")->required();
     extract->add_option("-o,--output", given->output, "Where to; - is standard output")->required();
-    extract->add_flag("--force", given->force, "Replace a file that exists");
     extract->callback([given, &action] {
         action = [given] { return guarded(given->file, [given] { runExtract(*given); }); };
     });

@@ -7,8 +7,8 @@
 namespace Ketra::QT::wire {
 
 /// The first index below `count` at which `passes` holds, or `count`; from there on it must hold. Steps that
-/// double lead away from the guess, halving does the rest: a good guess touches two or three entries, a bad one
-/// costs twice what halving alone does.
+/// double lead away from the guess, halving does the rest: a good guess touches two or three entries, a bad
+/// one costs twice what halving alone does.
 template <class Passes>
 std::uint64_t firstFrom(std::uint64_t guess, std::uint64_t count, Passes passes) {
     std::uint64_t low = 0; // all before it fail
@@ -48,7 +48,8 @@ std::uint64_t firstFrom(std::uint64_t guess, std::uint64_t count, Passes passes)
 }
 
 /// The index that stands in for `value` when what begins with `first` and ends with `last` rises evenly.
-inline std::uint64_t evenGuess(std::uint64_t value, std::uint64_t first, std::uint64_t last, std::uint64_t count) {
+inline std::uint64_t evenGuess(std::uint64_t value, std::uint64_t first, std::uint64_t last,
+                               std::uint64_t count) {
     if (count == 0 || value <= first || last <= first) return 0;
     if (value >= last) return count - 1;
     const double share = static_cast<double>(value - first) / static_cast<double>(last - first);

@@ -1,9 +1,6 @@
 #include "Output.h"
-#include "ToolError.h"
 #include "remux/Chapters.h"
 #include "remux/Remux.h"
-
-#include <system_error>
 
 namespace Ketra::Tool {
 
@@ -30,10 +27,6 @@ void runChapters(const ChapterOptions& options) {
         Output output;
         list(output);
     } else {
-        std::error_code ignored;
-        if (!options.force && std::filesystem::is_regular_file(nativePath(options.exportTo), ignored)) {
-            throw ToolError(kNotAllowed, options.exportTo + " exists already; --force replaces it");
-        }
         Output output(options.exportTo);
         list(output);
     }
