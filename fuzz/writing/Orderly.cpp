@@ -8,6 +8,7 @@
 #include <qt/QTMovie.h>
 #include <qt/QTTrack.h>
 
+#include <algorithm>
 #include <memory>
 
 using namespace Ketra;
@@ -36,6 +37,7 @@ constexpr SoundFormat kSoundFormats[] = {{fourCC("mp4a"), 0}, {fourCC("sowt"), 2
 struct Written {
     QTTrack* track = nullptr;
     unsigned int bytesPerTime = 0; // of plain audio
+    bool takenForPlain = false;    // read like plain audio when all samples have one size
     double time = 0;
     std::vector<Bytes> samples;
     Bytes chunk;
@@ -126,6 +128,7 @@ void OrderlyWriter::describe(Written& written, QTAudioTrack& audio) {
     audio.setBitsPerSample(static_cast<unsigned short>(sound.bytes ? 8 * sound.bytes : 16));
     if (sound.bytes) audio.setBytesPerSample(sound.bytes);
     written.bytesPerTime = sound.bytes * channels;
+    written.takenForPlain = sound.format == fourCC(".mp3") || sound.format == fourCC("abcd");
 }
 
 void OrderlyWriter::addReferences() {
@@ -213,6 +216,9 @@ void OrderlyWriter::readBack(const Bytes& file) {
 }
 
 void OrderlyWriter::compare(QTTrack& track, const Written& written) {
+    const auto sameSize = [&](const Bytes& sample) { return sample.size() == written.samples[0].size(); };
+    if (written.takenForPlain && std::all_of(written.samples.begin(), written.samples.end(), sameSize))
+        return;
     QTChunk* chunk = track.getChunk();
     require(chunk != nullptr, "a track without a cursor");
     // The cursor's own, which knows nothing of edits.
