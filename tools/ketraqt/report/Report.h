@@ -37,7 +37,7 @@ struct AtomRow {
 
 /// Tracks point into what is told of the movie.
 struct MovieParts {
-    MovieParts() = default;
+    explicit MovieParts(const std::string& name) : file(name) {}
     MovieParts(const MovieParts&) = delete;
     MovieParts& operator=(const MovieParts&) = delete;
 

@@ -63,8 +63,7 @@ void openPage(std::string& page, const MovieParts& movie) {
 }
 
 std::string pageOf(const std::string& file, Source& source, QT::QTAtom& root, QT::QTMovie* tracks) {
-    MovieParts movie;
-    movie.file = file;
+    MovieParts movie(file);
     collect(movie, source, root, tracks);
     std::string page;
     openPage(page, movie);
