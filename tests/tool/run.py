@@ -180,6 +180,20 @@ class Tree(ToolTest):
         self.assertEqual(atoms["\u00a9nam"][0]["fields"], {"text": "Ti\ufffdtl"})
         self.assertEqual(atoms["chap"][0]["fields"], {"track_id": 3})
 
+    def test_sizes_are_those_of_the_file(self):
+        (tree,) = self.json_lines("tree", "--json", self.movie)
+        atoms = {}
+        self.collect(tree, atoms)
+        with open(self.movie, "rb") as file:
+            content = file.read()
+        for nodes in atoms.values():
+            for node in nodes:
+                if node["offset"] is None or node["type"] == "root":
+                    continue
+                size = int.from_bytes(content[node["offset"]:node["offset"] + 4], "big")
+                self.assertEqual(node["size"], size, node["type"])
+        self.assertEqual([node["size"] for node in atoms["stsc"]], [16 + 12 * 3, 16 + 12 * 2, 16 + 12, 16 + 12])
+
     def collect(self, node, atoms):
         atoms.setdefault(node["type"], []).append(node)
         for child in node["children"]:

@@ -30,8 +30,9 @@ const Describers& entryDescribers();
 const Describers& systemsDescribers();
 const Describers& userDescribers();
 
-/// {type, offset, header_size, size, fields, children} of an atom and all that is in it.
-Json atomJson(QT::QTAtom& atom);
+/// {type, offset, header_size, size, fields, children} of an atom and all that is in it. `end` is where in
+/// the file something else begins.
+Json atomJson(QT::QTAtom& atom, std::uint64_t end = 0);
 
 /// The same keys for what is no atom of the tree; its place in the file is not known.
 Json itemJson(const std::string& type, std::uint64_t size, Node node);

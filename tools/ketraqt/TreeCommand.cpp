@@ -6,6 +6,7 @@
 
 #include <qt/QTAtoms.h>
 
+#include <algorithm>
 #include <array>
 #include <fmt/format.h>
 
@@ -24,8 +25,12 @@ void describe(QT::QTAtom& atom, Node& node) {
     }
 }
 
-/// A file type atom that was read counts its brands twice, until its size is computed anew.
-std::uint64_t sizeInFile(const QT::QTAtom& atom) {
+/// Until its size is computed anew, a file type atom that was read counts its brands twice, and the chunk
+/// runs of a sample table count an entry for each chunk: they end where the next atom begins.
+std::uint64_t sizeInFile(const QT::QTAtom& atom, std::uint64_t end) {
+    if (dynamic_cast<const QT::STSC*>(&atom) && end > atom.getOffset()) {
+        return std::min(atom.getSize(), end - atom.getOffset());
+    }
     constexpr std::uint64_t kBrand = 4;
     const auto* ftyp = dynamic_cast<const QT::FTYP*>(&atom);
     const std::uint64_t counted = ftyp ? kBrand * ftyp->getCompatibleBrands().size() : 0;
@@ -78,13 +83,17 @@ Json itemJson(const std::string& type, std::uint64_t size, Node node) {
             {"children", std::move(node.children)}};
 }
 
-Json atomJson(QT::QTAtom& atom) {
+Json atomJson(QT::QTAtom& atom, std::uint64_t end) {
     Node node;
     describe(atom, node);
-    for (QT::QTAtom* child : atom.getChildren()) {
-        node.children.push_back(atomJson(*child));
+    const std::uint64_t size = sizeInFile(atom, end);
+    const std::vector<QT::QTAtom*> children = atom.getChildren();
+    for (std::size_t i = 0; i < children.size(); ++i) {
+        const std::uint64_t behind =
+            i + 1 < children.size() ? children[i + 1]->getOffset() : atom.getOffset() + size;
+        node.children.push_back(atomJson(*children[i], behind));
     }
-    Json json = itemJson(codeText(atom.getType()), sizeInFile(atom), std::move(node));
+    Json json = itemJson(codeText(atom.getType()), size, std::move(node));
     if (atom.getHeaderSize() == 0) return json; // not read as an atom of its own
     json["offset"] = atom.getOffset();
     json["header_size"] = atom.getHeaderSize();
