@@ -10,6 +10,9 @@ HOME = ["mov", "mp4", "m4v"]
 MOBILE = ["mov", "mp4", "3gp", "3g2"]
 EVERY = ["mov", "mp4", "m4v", "3gp", "3g2", "amc", "psp"]
 GENERAL = ["mov", "mp4"]
+# What RTP has a payload for, and the flavours that may hold hint tracks.
+STREAMED = ("H.264", "H.265", "MPEG-4 visual", "AAC", "AMR", "PCM s16be")
+HINTED = ["mov", "mp4", "m4v", "3gp", "3g2"]
 
 
 class Case:
@@ -18,6 +21,7 @@ class Case:
     def __init__(self, name, kind, source, flavours, arguments, inputs=None, make=None, plain=False):
         self.name, self.kind, self.source, self.flavours = name, kind, source, flavours
         self.arguments, self.inputs, self.make, self.plain = arguments, inputs, make, plain
+        self.hinted = HINTED if name.startswith(STREAMED) else []
 
     def create(self, path):
         if self.make:

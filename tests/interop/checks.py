@@ -55,11 +55,12 @@ def ffprobe(source, written, case):
 
 
 def framemd5(path, stream):
-    return run("ffmpeg", "-v", "error", "-i", path, "-map", f"0:{stream}", "-f", "framemd5", "-")[1]
+    return run("ffmpeg", "-v", "error", "-copyts", "-i", path, "-map", f"0:{stream}", "-f", "framemd5", "-")[1]
 
 
 def decoded(source, written, case):
-    """Every decoded frame; of plain sound, whose packets are as the reader likes them, all samples."""
+    """Every decoded frame at its time in the movie, wherever other tracks begin; of plain sound, whose packets are as
+    the reader likes them, all samples."""
     for stream in {"video": "v", "sound": "a", "both": "va"}[case.kind]:
         if stream == "a" and case.plain:
             hashes = [run("ffmpeg", "-v", "error", "-i", path, "-map", "0:a", "-f", "md5", "-")[1]

@@ -15,6 +15,7 @@ from checks import CHECKS, run
 
 # What these find does not depend on where the header is.
 LAYOUT_BLIND = ("decoded", "gstreamer")
+LAYOUTS = ("", "header first", "hinted")
 
 
 def version(*command):
@@ -31,22 +32,36 @@ def remux(tool, source, written, flavour, first):
     return done.returncode, done.stderr.decode("utf-8", "replace").strip()
 
 
+def write(tool, source, folder, case, flavour, layout):
+    """The movie in that layout, or what keeps the tool from it."""
+    end = flavour if flavour not in ("amc", "psp") else "mp4"
+    written = os.path.join(folder, f"written.{end}")
+    code, err = remux(tool, source, written, flavour, layout == "header first")
+    if code != 0 or layout != "hinted":
+        return written, code and f"remux ends with {code}: {err}"
+    hinted = os.path.join(folder, f"hinted.{end}")
+    done = subprocess.run([tool, "hint", written, "-o", hinted, "--force"], capture_output=True, timeout=300, check=False)
+    code, err = done.returncode, done.stderr.decode("utf-8", "replace").strip()
+    return hinted, code and f"hint ends with {code}: {err}"
+
+
 def check(tool, case, source, flavour, folder):
     """[(name of the check, what is wrong: "" for nothing, None where the reader is absent)]"""
-    written = os.path.join(folder, f"written.{flavour if flavour not in ('amc', 'psp') else 'mp4'}")
     results = {}
-    for first in (False, True):
-        code, err = remux(tool, source, written, flavour, first)
-        if code != 0:
-            return {name: f"remux ends with {code}: {err}" for name, _ in CHECKS}
+    for layout in LAYOUTS:
+        if layout == "hinted" and flavour not in case.hinted:
+            continue
+        written, trouble = write(tool, source, folder, case, flavour, layout)
+        if trouble:
+            return {name: trouble for name, _ in CHECKS}
         for name, function in CHECKS:
-            if first and name in LAYOUT_BLIND:
+            if layout == "header first" and name in LAYOUT_BLIND:
                 continue
             wrong = function(source, written, case)
             if wrong is None or results.get(name) is None and name in results:
                 results[name] = None
             elif not results.get(name):
-                results[name] = wrong and ("header first: " if first else "") + wrong
+                results[name] = wrong and (f"{layout}: " if layout else "") + wrong
     return results
 
 
@@ -54,8 +69,8 @@ def table(rows):
     names = [name for name, _ in CHECKS]
     yield "# Independent readers\n\n"
     yield ("Every codec in every flavour that takes it: a movie made with ffmpeg is written anew with `ketraqt remux`, with\n"
-           "the header last and with the header first, and independent readers are asked about the result. `./dev interop`\n"
-           "makes this table.\n\n")
+           "the header last, with the header first and, where RTP has a payload for the codec, with hint tracks, and independent\n"
+           "readers are asked about the result. `./dev interop` makes this table.\n\n")
     yield ("- ffprobe: the same streams with the same properties and decoder configuration, no complaint.\n"
            "- decoded: the MD5 sum of every decoded picture and of the sound is that of the original.\n"
            "- times: presentation and decode time, duration, size and key mark of every packet, to the tick, with and without\n"
