@@ -1,31 +1,14 @@
 #include "ToolError.h"
 
-#include "FrameWalk.h"
-#include "Source.h"
 #include "Text.h"
-#include "check/Check.h"
-
-#include <base/CException.h>
 
 #include <cstdio>
 #include <fmt/format.h>
-#include <new>
-#include <optional>
 #include <unordered_set>
 
 namespace Ketra::Tool {
 
 namespace {
-
-/// Where the damage is, as far as that is to be seen. The file is read again, and may be gone.
-std::string placed(const std::string& file, const std::string& text, std::optional<unsigned int> track) {
-    try {
-        Source source(file);
-        return withPlace(source, text, track);
-    } catch (const std::exception&) {
-        return text;
-    }
-}
 
 /// A message that was there before says nothing new; how many of them there were does.
 class Said {
@@ -55,28 +38,6 @@ void complain(const std::string& file, const std::string& text) {
     static Said said;
     const std::string line = fmt::format("ketraqt: {}: {}\n", oneLine(file), oneLine(validUtf8(text)));
     if (said.isNew(line)) fmt::print(stderr, "{}", line);
-}
-
-int guarded(const std::string& file, const std::function<void()>& work) {
-    try {
-        work();
-        return kSuccess;
-    } catch (const TrackError& error) {
-        complain(file, placed(file, error.what(), error.track()));
-        return error.code();
-    } catch (const ToolError& error) {
-        complain(file, error.code() == kMalformed ? placed(file, error.what(), {}) : error.what());
-        return error.code();
-    } catch (const CException& error) {
-        complain(file, placed(file, error.what(), {}));
-        return kMalformed;
-    } catch (const std::bad_alloc&) {
-        complain(file, "not enough memory");
-        return kCannotRead;
-    } catch (const std::exception& error) {
-        complain(file, error.what());
-        return kMalformed;
-    }
 }
 
 } // namespace Ketra::Tool
