@@ -12,29 +12,35 @@ volatile std::sig_atomic_t interrupted = 0;
 
 extern "C" void noteSignal(int) { interrupted = 1; }
 
+struct Handled {
+    int signal;
+    void (*handler)(int);
+};
+
+const Handled kHandled[] = {
+    {SIGINT, noteSignal},
+    {SIGTERM, noteSignal},
+#ifdef SIGHUP
+    {SIGHUP, noteSignal},
+#endif
+#ifdef SIGXFSZ
+    {SIGXFSZ, SIG_IGN},
+#endif
+};
+
 } // namespace
 
 InterruptGuard::InterruptGuard() {
     interrupted = 0;
-    std::signal(SIGINT, noteSignal);
-    std::signal(SIGTERM, noteSignal);
-#ifdef SIGHUP
-    std::signal(SIGHUP, noteSignal);
-#endif
-#ifdef SIGXFSZ
-    std::signal(SIGXFSZ, SIG_IGN);
-#endif
+    for (const Handled& handled : kHandled) {
+        std::signal(handled.signal, handled.handler);
+    }
 }
 
 InterruptGuard::~InterruptGuard() {
-    std::signal(SIGINT, SIG_DFL);
-    std::signal(SIGTERM, SIG_DFL);
-#ifdef SIGHUP
-    std::signal(SIGHUP, SIG_DFL);
-#endif
-#ifdef SIGXFSZ
-    std::signal(SIGXFSZ, SIG_DFL);
-#endif
+    for (const Handled& handled : kHandled) {
+        std::signal(handled.signal, SIG_DFL);
+    }
 }
 
 void InterruptGuard::check() {
