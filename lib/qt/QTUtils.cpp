@@ -1,3 +1,4 @@
+#include <base/os/LargePages.h>
 #include <qt/QTUtils.h>
 #include <qt/wire/Access.h>
 #include <qt/wire/Bytes.h>
@@ -132,6 +133,7 @@ wire::Payload QTUtils::fetch(std::uint64_t length) {
     length = std::min(length, limit);
     wire::MallocPtr block = wire::allocateRaw(length + kSlack);
     if (!block) return payload;
+    os::preferLargePages(block.get(), static_cast<std::size_t>(length));
     const std::uint64_t delivered = readFully(block.get(), length);
     if (!delivered) return payload;
     std::memset(block.get() + delivered, 0, static_cast<std::size_t>(length + kSlack - delivered));
