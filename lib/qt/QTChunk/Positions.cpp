@@ -1,6 +1,7 @@
 // Where a sample is: its time, its chunk, its bytes, its key frames.
 #include <qt/QTAtoms.h>
 #include <qt/QTAtoms/detail/ChunkRecords.h>
+#include <qt/QTAtoms/detail/DecodeIndex.h>
 #include <qt/QTAtoms/detail/EditRecords.h>
 #include <qt/QTAtoms/detail/SampleRecords.h>
 #include <qt/QTChunk.h>
@@ -238,6 +239,8 @@ int QTChunk::positionAtTime(double t) {
     if (rangeCheck(sample) != 0) return -1;
     currentSample_ = sample;
     setPreviousKeyframe();
+    // Whoever asks for a time mostly goes on to its key frame.
+    if (ctts_ && previousKeyframe_) Access::expectDecodeOffset(*ctts_, previousKeyframe_ - 1);
     // The time found may lie on the border of two entries; the sample's own entry is the one that goes on.
     std::uint64_t ownTicks = 0;
     std::uint64_t entry = 0;

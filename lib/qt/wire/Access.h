@@ -93,6 +93,11 @@ struct Access {
     static void seekDecodeOffset(Atom& atom, std::uint64_t steps) {
         atom.seekDecodeOffset(steps);
     }
+    /// Has the entries on their way that seekDecodeOffset(atom, steps) will look at.
+    template <class Atom>
+    static void expectDecodeOffset(const Atom& atom, std::uint64_t steps) {
+        atom.index_->expect(*atom.table_, steps);
+    }
     /// What the next getNextDecodeOffset() will give; nothing moves.
     template <class Atom>
     static int peekDecodeOffset(const Atom& atom) {

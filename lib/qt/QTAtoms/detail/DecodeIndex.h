@@ -37,6 +37,7 @@ public:
         if (steps == 0 || held == 0) return {0, 0};
         renew(table);
         Place place = blockOf(steps);
+        if (table_) fetch(table, place.entry);
         for (; place.entry < held; ++place.entry) {
             const std::uint64_t through = place.before + decodeSteps(table.at(place.entry), place.entry);
             if (through >= steps) return position(place.entry, steps - place.before);
@@ -49,8 +50,16 @@ public:
         return position(last, (steps - before - 1) % std::max<std::uint32_t>(run.count, 1) + 1);
     }
 
+    /// Has what after() would look at on its way, if that is known.
+    template <class Table>
+    void expect(const Table& table, std::uint64_t steps) const {
+        if (steps && table_ == &table && generation_ == table.generation())
+            fetch(table, blockOf(steps).entry);
+    }
+
 private:
     static constexpr std::uint64_t kBlock = 64;
+    static constexpr std::uint64_t kAhead = 8; // blocks: memory takes longer than a block's sum
 
     struct Place {
         std::uint64_t entry;
@@ -72,6 +81,23 @@ private:
         return {block * kBlock, sums_[static_cast<std::size_t>(block)]};
     }
 
+    /// Has a whole block on its way before its first entries are looked at. Inlined in any case: a call that
+    /// gives no result would be left out.
+    template <class Table>
+#if defined(__GNUC__)
+    [[gnu::always_inline]] static void fetch(const Table& table, std::uint64_t first) {
+        constexpr std::uint64_t kLine = 64;
+        if (first + kBlock > table.store().stored()) return;
+        const unsigned char* bytes = table.store().bytes(first);
+        for (std::uint64_t at = 0; at < kBlock * table.store().width(); at += kLine) {
+            __builtin_prefetch(bytes + at);
+        }
+    }
+#else
+    static void fetch(const Table&, std::uint64_t) {
+    }
+#endif
+
     template <class Table>
     void renew(const Table& table) {
         const bool useful = table.packed() && table.held() > kBlock;
@@ -84,6 +110,7 @@ private:
         std::uint64_t sum = 0;
         for (std::uint64_t i = 0, held = table.held(); i < held; i += kBlock) {
             sums_.push_back(sum);
+            fetch(table, i + kAhead * kBlock);
             const std::uint64_t end = std::min(i + kBlock, held);
             if (i > 0 && i + kBlock <= store.stored() && addShortRuns(store.bytes(i), sum)) continue;
             for (std::uint64_t k = i; k < end; ++k) {
@@ -93,24 +120,27 @@ private:
         table_ = &table;
         generation_ = table.generation();
     }
-    /// Adds the steps of a whole block without a branch, when no run in it is longer than a byte can tell, as
-    /// they hardly ever are: the compiler makes vector instructions of it.
+    /// Adds the steps of a whole block without a branch, when every run in it has a length that a byte can
+    /// tell and none is empty, as nearly all are: the compiler makes vector instructions of it.
     static bool addShortRuns(const unsigned char* bytes, std::uint64_t& sum) {
-        constexpr unsigned int kLowest =
-            std::endian::native == std::endian::little ? 24 : 32; // bits before it
-        constexpr std::uint64_t kHigher =
-            std::endian::native == std::endian::little ? 0xFFFFFF : 0xFFFFFF0000000000;
+        constexpr bool kLittle = std::endian::native == std::endian::little;
+        constexpr unsigned int kLowest = kLittle ? 24 : 32; // bits before the lowest byte of the length
+        constexpr std::uint64_t kOne = std::uint64_t{1} << kLowest;
+        constexpr std::uint64_t kCount = 0xFF * kOne;
+        constexpr std::uint64_t kHigher = kLittle ? 0xFFFFFF : 0xFFFFFF0000000000;
         std::uint64_t any = 0;
+        std::uint64_t empty = 0; // its highest bit tells
         std::uint64_t steps = 0;
         for (std::uint64_t i = 0; i < kBlock; ++i) {
             std::uint64_t entry = 0;
             std::memcpy(&entry, bytes + i * sizeof entry, sizeof entry);
+            const std::uint64_t count = entry & kCount;
             any |= entry;
-            const std::uint64_t count = entry >> kLowest & 0xFF;
-            steps += count + ((count - 1) >> 63); // one for a run of none
+            empty |= count - kOne;
+            steps += count;
         }
-        if (any & kHigher) return false;
-        sum += steps;
+        if ((any & kHigher) || empty >> 63) return false;
+        sum += steps >> kLowest;
         return true;
     }
 
