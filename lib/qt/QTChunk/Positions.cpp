@@ -172,6 +172,17 @@ int QTChunk::setPreviousKeyframe() {
     return 0;
 }
 
+/// Has on its way what locate() will look at, which takes as long as finding the key frame does.
+KETRA_QT_INLINED static void expectLocating(const STSC& stsc, const STCO& stco, const STSZ& stsz,
+                                            unsigned int n) {
+    const auto& chunks = Access::table(stsc);
+    if (!chunks.packed() || chunks.store().wrapped()) return;
+    Access::table(stco).expect(chunks.store().firstEndingAt(n), 1);
+    constexpr unsigned int kNear = 32; // samples: about a chunk's
+    const unsigned int behind = std::max(n, kNear);
+    Access::table(stsz).expect(behind - kNear, kNear);
+}
+
 /// Chunk, offset and size of the current sample.
 bool QTChunk::locate(unsigned int n) {
     if (findChunkNumber(n) == 0) return false;
@@ -238,6 +249,7 @@ int QTChunk::positionAtTime(double t) {
     timeKnown_ = true;
     if (rangeCheck(sample) != 0) return -1;
     currentSample_ = sample;
+    if (stsc_) expectLocating(*stsc_, *stco_, *stsz_, sample);
     setPreviousKeyframe();
     // Whoever asks for a time mostly goes on to its key frame.
     if (ctts_ && previousKeyframe_) Access::expectDecodeOffset(*ctts_, previousKeyframe_ - 1);

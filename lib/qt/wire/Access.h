@@ -3,6 +3,7 @@
 
 #include <qt/QTAtom.h>
 #include <qt/QTUtils.h>
+#include <qt/wire/Expect.h>
 #include <qt/wire/Payload.h>
 
 #include <algorithm>
@@ -95,7 +96,7 @@ struct Access {
     }
     /// Has the entries on their way that seekDecodeOffset(atom, steps) will look at.
     template <class Atom>
-    static void expectDecodeOffset(const Atom& atom, std::uint64_t steps) {
+    KETRA_QT_INLINED static void expectDecodeOffset(const Atom& atom, std::uint64_t steps) {
         atom.index_->expect(*atom.table_, steps);
     }
     /// What the next getNextDecodeOffset() will give; nothing moves.

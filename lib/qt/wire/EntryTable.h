@@ -10,6 +10,7 @@
 #pragma once
 
 #include <qt/wire/Block.h>
+#include <qt/wire/Expect.h>
 #include <qt/wire/Payload.h>
 
 #include <algorithm>
@@ -178,6 +179,12 @@ public:
     // --- packed entries: what the inside works on
     bool packed() const { return !asObjects_; }
     const Store& store() const { return store_; }
+    /// Has those of the entries that are packed on their way from memory.
+    KETRA_QT_INLINED void expect(std::uint64_t first, std::uint64_t count) const {
+        const std::uint64_t stored = store_.stored();
+        if (first >= stored) return;
+        wire::expect(store_.bytes(first), std::min(count, stored - first) * store_.width());
+    }
     /// For a parse or a change of the whole table; drops the objects.
     Store& replaceStore() {
         dropObjects();

@@ -22,6 +22,8 @@ public:
     bool wide() const { return isWide_; }
     unsigned int width() const { return isWide_ ? U64::width : U32::width; }
     std::uint64_t size() const { return isWide_ ? wide_.size() : narrow_.size(); }
+    std::uint64_t stored() const { return isWide_ ? wide_.stored() : narrow_.stored(); }
+    const unsigned char* bytes(std::uint64_t i) const { return isWide_ ? wide_.bytes(i) : narrow_.bytes(i); }
     Value at(std::uint64_t i) const { return isWide_ ? wide_.at(i) : narrow_.at(i); }
 
     void widen() {

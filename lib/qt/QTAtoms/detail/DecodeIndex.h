@@ -37,7 +37,7 @@ public:
         if (steps == 0 || held == 0) return {0, 0};
         renew(table);
         Place place = blockOf(steps);
-        if (table_) fetch(table, place.entry);
+        table.expect(place.entry, kBlock);
         for (; place.entry < held; ++place.entry) {
             const std::uint64_t through = place.before + decodeSteps(table.at(place.entry), place.entry);
             if (through >= steps) return position(place.entry, steps - place.before);
@@ -52,9 +52,9 @@ public:
 
     /// Has what after() would look at on its way, if that is known.
     template <class Table>
-    void expect(const Table& table, std::uint64_t steps) const {
-        if (steps && table_ == &table && generation_ == table.generation())
-            fetch(table, blockOf(steps).entry);
+    KETRA_QT_INLINED void expect(const Table& table, std::uint64_t steps) const {
+        if (steps == 0 || table_ != &table || generation_ != table.generation()) return;
+        table.expect(blockOf(steps).entry, kBlock);
     }
 
 private:
@@ -81,23 +81,6 @@ private:
         return {block * kBlock, sums_[static_cast<std::size_t>(block)]};
     }
 
-    /// Has a whole block on its way before its first entries are looked at. Inlined in any case: a call that
-    /// gives no result would be left out.
-    template <class Table>
-#if defined(__GNUC__)
-    [[gnu::always_inline]] static void fetch(const Table& table, std::uint64_t first) {
-        constexpr std::uint64_t kLine = 64;
-        if (first + kBlock > table.store().stored()) return;
-        const unsigned char* bytes = table.store().bytes(first);
-        for (std::uint64_t at = 0; at < kBlock * table.store().width(); at += kLine) {
-            __builtin_prefetch(bytes + at);
-        }
-    }
-#else
-    static void fetch(const Table&, std::uint64_t) {
-    }
-#endif
-
     template <class Table>
     void renew(const Table& table) {
         const bool useful = table.packed() && table.held() > kBlock;
@@ -110,7 +93,7 @@ private:
         std::uint64_t sum = 0;
         for (std::uint64_t i = 0, held = table.held(); i < held; i += kBlock) {
             sums_.push_back(sum);
-            fetch(table, i + kAhead * kBlock);
+            table.expect(i + kAhead * kBlock, kBlock);
             const std::uint64_t end = std::min(i + kBlock, held);
             if (i > 0 && i + kBlock <= store.stored() && addShortRuns(store.bytes(i), sum)) continue;
             for (std::uint64_t k = i; k < end; ++k) {
