@@ -9,19 +9,12 @@ import random
 import resource
 import struct
 import subprocess
-import sys
 import tempfile
 import unittest
 
 import moviemaker
 from moviemaker import atom, full, sound_track, table, words
-
-TOOL = ""
-
-
-def run(*arguments):
-    done = subprocess.run([TOOL, *map(str, arguments)], capture_output=True, timeout=60, check=False)
-    return done.returncode, done.stdout, done.stderr.decode("utf-8", "replace")
+from tool import command, main, run
 
 
 def sound_movie(sound=None, duration=40, **options):
@@ -244,7 +237,7 @@ class Ends(HintTest):
         def limit():
             resource.setrlimit(resource.RLIMIT_FSIZE, (600, 600))
         before = sorted(os.listdir(self.folder))
-        done = subprocess.run([TOOL, "hint", movie, "-o", self.out], capture_output=True, timeout=60, check=False,
+        done = subprocess.run(command("hint", movie, "-o", self.out), capture_output=True, timeout=60, check=False,
                               preexec_fn=limit)
         self.assertNotEqual(done.returncode, 0)
         if done.returncode > 0:  # the signal leaves no time to clean up
@@ -269,5 +262,4 @@ class Damage(HintTest):
 
 
 if __name__ == "__main__":
-    TOOL = os.path.abspath(sys.argv.pop(1))
-    unittest.main()
+    main()

@@ -1,4 +1,5 @@
 """Small movies, put together byte by byte."""
+import random
 import struct
 
 
@@ -112,3 +113,13 @@ def user_data():
 
 def example():
     return movie([video_track(), sound_track(), chapter_track(), timecode_track()], [600, 40, 600, 600], user_data())
+
+
+def damaged(content, copies, seed, most=4):
+    """Copies of a movie with one to `most` bytes from its header on changed; the same ones for every seed."""
+    first, chance = content.index(b"moov"), random.Random(seed)
+    for _ in range(copies):
+        changed = bytearray(content)
+        for _ in range(chance.randint(1, most)):
+            changed[chance.randrange(first, len(content))] = chance.choice((0, 1, 0x7F, 0x80, 0xFF, chance.randrange(256)))
+        yield bytes(changed)

@@ -4,25 +4,19 @@
 remux.py TOOL [TEST...]
 """
 import glob
-import json
 import os
 import random
 import resource
 import signal
 import struct
 import subprocess
-import sys
 import time
-import unittest
 
 import moviemaker
 import run as base
+from tool import command, main, native_only, run
 
 KILLS = 30
-
-
-def tool(*arguments, **options):
-    return base.run(*arguments, **options)
 
 
 def large_movie(samples=64, size=1 << 20):
@@ -42,7 +36,7 @@ class RemuxTest(base.ToolTest):
 
     def write(self, *arguments, source=None, name="out.mov", flavour="mov"):
         out = self.path(name)
-        code, text, err = tool("remux", source or self.movie, "-o", out, "--flavour", flavour, *arguments)
+        code, text, err = run("remux", source or self.movie, "-o", out, "--flavour", flavour, *arguments)
         self.assertEqual((code, text), (0, b""), err)
         return out
 
@@ -53,7 +47,7 @@ class RemuxTest(base.ToolTest):
         frames = self.json_lines("samples", "--json", path, "--track", track)
         for frame in frames:
             del frame["offset"], frame["chunk"]
-        return frames, tool("extract", path, "--track", track, "-o", "-")[1]
+        return frames, run("extract", path, "--track", track, "-o", "-")[1]
 
     def info(self, path):
         return self.json_lines("info", "--json", path)[0]
@@ -116,7 +110,7 @@ class Writing(RemuxTest):
             self.assertEqual(self.frames(out, 1), self.frames(self.movie, 1))
 
     def test_dry_run(self):
-        code, out, err = tool("remux", self.movie, "-o", self.path("out.mov"), "--flavour", "mov", "--dry-run")
+        code, out, err = run("remux", self.movie, "-o", self.path("out.mov"), "--flavour", "mov", "--dry-run")
         self.assertEqual((code, err), (0, ""))
         self.assertIn(b"track 1 (from 1): mp4v, 6 samples, 210 bytes, 1.000000 s", out)
         self.assertEqual(os.listdir(self.folder.name), ["movie.mov"])
@@ -182,13 +176,8 @@ class Ends(RemuxTest):
         self.assertEqual(self.frames(self.movie, 1), before)
 
     def test_hostile_input(self):
-        content = moviemaker.example()
-        first, chance = content.index(b"moov"), random.Random(11)
-        for _ in range(150):
-            changed = bytearray(content)
-            for _ in range(chance.randint(1, 4)):
-                changed[chance.randrange(first, len(content))] = chance.choice((0, 1, 0x7F, 0x80, 0xFF, chance.randrange(256)))
-            code, _, err = tool("remux", self.file("bad.mov", bytes(changed)), "-o", self.path("out.mov"), "--flavour", "mov",
+        for content in moviemaker.damaged(moviemaker.example(), 150, seed=11):
+            code, _, err = run("remux", self.file("bad.mov", content), "-o", self.path("out.mov"), "--flavour", "mov",
                                 "--force")
             self.assertIn(code, (0, 3, 4, 5, 7), err)
             self.assert_nothing_left()
@@ -199,7 +188,7 @@ class Faults(RemuxTest):
         super().setUp()
         self.large = self.file("large.mov", large_movie())
         self.out = self.file("out.mov", b"old file")
-        self.command = [base.TOOL, "remux", self.large, "-o", self.out, "--flavour", "mov", "--force"]
+        self.command = command("remux", self.large, "-o", self.out, "--flavour", "mov", "--force")
 
     def assert_whole_or_old(self):
         if os.path.getsize(self.out) == len(b"old file"):
@@ -271,16 +260,16 @@ class Chapters(RemuxTest):
     LINES = "00:00:00.000 First \u00e4\n00:00:00.250 Second\n00:00:00.900 Third one\n"
 
     def test_list_and_export(self):
-        code, out, err = tool("chapters", self.movie)
+        code, out, err = run("chapters", self.movie)
         self.assertEqual((code, out.decode(), err), (0, "00:00:00.000 Anfang \u00e4\n00:00:00.500 Ende\n", ""))
-        self.assertEqual(tool("chapters", self.movie, "--export", self.path("list.txt"))[0], 0)
+        self.assertEqual(run("chapters", self.movie, "--export", self.path("list.txt"))[0], 0)
         self.assertEqual(self.read(self.path("list.txt")), out)
 
     def test_import(self):
         titles = self.file("titles.txt", self.LINES.encode())
         out = self.path("out.mov")
-        self.assertEqual(tool("chapters", self.movie, "--import", titles, "-o", out), (0, b"", ""))
-        self.assertEqual(tool("chapters", out)[1].decode(), self.LINES)
+        self.assertEqual(run("chapters", self.movie, "--import", titles, "-o", out), (0, b"", ""))
+        self.assertEqual(run("chapters", out)[1].decode(), self.LINES)
         tracks = self.info(out)["tracks"]
         self.assertEqual([track["type"] for track in tracks], ["text", "vide", "soun", "tmcd"])
         self.assertEqual(tracks[1]["references"], [{"type": "chap", "tracks": [1]}, {"type": "tmcd", "tracks": [4]}])
@@ -289,11 +278,11 @@ class Chapters(RemuxTest):
     def test_import_that_begins_later(self):
         titles = self.file("titles.txt", b"\xef\xbb\xbf00:00:00.100 Late\r\n\r\n")
         out = self.write("--chapters", titles)
-        self.assertEqual(tool("chapters", out)[1], b"00:00:00.100 Late\n")
+        self.assertEqual(run("chapters", out)[1], b"00:00:00.100 Late\n")
 
     def test_drop(self):
         out = self.write("--chapters", "drop")
-        self.assertEqual(tool("chapters", out)[1], b"")
+        self.assertEqual(run("chapters", out)[1], b"")
         self.assertEqual([t["type"] for t in self.info(out)["tracks"]], ["vide", "soun", "tmcd"])
 
     def test_lines_that_are_no_chapters(self):
@@ -304,7 +293,7 @@ class Chapters(RemuxTest):
 
 class Timecode(RemuxTest):
     def test_print(self):
-        self.assertEqual(tool("timecode", self.movie), (0, b"00:10:00;00 29.97 fps (track 4)\n", ""))
+        self.assertEqual(run("timecode", self.movie), (0, b"00:10:00;00 29.97 fps (track 4)\n", ""))
 
     def test_set(self):
         for code, rate, frame, printed in (("01:02:03:04", "25", 93079, "01:02:03:04 25 fps"),
@@ -313,14 +302,14 @@ class Timecode(RemuxTest):
                                            ("01:00:00:00", "23.976", 86400, "01:00:00:00 23.976 fps"),
                                            ("00:00:01:00", "59.94", 60, "00:00:01:00 59.9401 fps")):
             out = self.path("out.mov")
-            self.assertEqual(tool("timecode", self.movie, "--set", code, "--rate", rate, "-o", out, "--force"), (0, b"", ""))
-            self.assertEqual(tool("timecode", out)[1].decode(), printed + " (track 4)\n")
+            self.assertEqual(run("timecode", self.movie, "--set", code, "--rate", rate, "-o", out, "--force"), (0, b"", ""))
+            self.assertEqual(run("timecode", out)[1].decode(), printed + " (track 4)\n")
             self.assertEqual(self.frames(out, 4)[1], struct.pack(">I", frame))
             self.assertIn({"type": "tmcd", "tracks": [4]}, self.info(out)["tracks"][0]["references"])
 
     def test_files_of_the_other_kind(self):
         out = self.write("--tracks", "1", "--start-timecode", "10:00:00:00", "--rate", "24", flavour="mp4", name="out.mp4")
-        self.assertEqual(tool("timecode", out), (0, b"10:00:00:00 24 fps (track 2)\n", ""))
+        self.assertEqual(run("timecode", out), (0, b"10:00:00:00 24 fps (track 2)\n", ""))
 
     def test_a_dropped_number_is_no_timecode(self):
         self.assert_fails(2, "timecode", self.movie, "--set", "00:01:00;01", "--rate", "29.97", "-o", self.path("o.mov"))
@@ -328,5 +317,4 @@ class Timecode(RemuxTest):
 
 
 if __name__ == "__main__":
-    base.TOOL = sys.argv.pop(1)
-    unittest.main()
+    main()

@@ -14,12 +14,12 @@ import re
 import shutil
 import struct
 import subprocess
-import sys
 import unittest
 import xml.etree.ElementTree
 
 import moviemaker
 import run as base
+from tool import main, run
 
 MOST = 1 << 20
 VOID = {"meta", "link", "br", "img", "input", "hr"}
@@ -114,7 +114,7 @@ def titled(titles):
 class ReportTest(base.ToolTest):
     def report(self, movie, code=0):
         out = self.path("out.html")
-        found, text, err = base.run("report", movie, "-o", out, "--force")
+        found, text, err = run("report", movie, "-o", out, "--force")
         self.assertEqual((found, text), (code, b""), err)
         with open(out, encoding="utf-8") as file:
             page = file.read()
@@ -214,7 +214,7 @@ class Content(ReportTest):
     def test_every_atom_has_its_line(self):
         page = self.report(self.movie)
         rows = re.findall(r'<tr id="a\d+"><td class="d(\d)"><bdi>(.*?)</bdi></td><td>(.*?)</td><td>(.*?)</td></tr>', page)
-        tree = json.loads(base.run("tree", "--json", self.movie)[1])
+        tree = json.loads(run("tree", "--json", self.movie)[1])
         expected = []
 
         def walk(node, depth):
@@ -265,15 +265,15 @@ class Content(ReportTest):
 
     def test_findings(self):
         movie = self.file("input.mov", moviemaker.example()[:-40])
-        findings = json.loads(base.run("check", "--json", movie)[1])["findings"]
-        page = self.report(movie, base.run("tree", movie)[0])
+        findings = json.loads(run("check", "--json", movie)[1])["findings"]
+        page = self.report(movie, run("tree", movie)[0])
         self.assertTrue(findings)
         for finding in findings:
             self.assertIn(html.escape(finding["text"], quote=True), page)
             self.assertIn(f"<b>{finding['severity'].capitalize()}</b>", page)
 
     def test_standard_output(self):
-        code, out, err = base.run("report", self.movie, "-o", "-")
+        code, out, err = run("report", self.movie, "-o", "-")
         self.assertEqual((code, err), (0, ""))
         self.assertEqual(out.decode(), self.report(self.movie))
 
@@ -344,7 +344,7 @@ class Hostile(ReportTest):
             for _ in range(chance.randrange(1, 12)):
                 content[chance.randrange(len(content))] = chance.choice((0, 1, 255, chance.randrange(256)))
             movie = self.file("input.mov", bytes(content))
-            code, _, err = base.run("report", movie, "-o", self.path("out.html"), "--force")
+            code, _, err = run("report", movie, "-o", self.path("out.html"), "--force")
             self.assertIn(code, (0, 4), err)
             if os.path.exists(self.path("out.html")):
                 with open(self.path("out.html"), encoding="utf-8") as file:
@@ -354,7 +354,7 @@ class Hostile(ReportTest):
         good = titled([b"One", b"Two"])
         for length in range(0, len(good), 97):
             movie = self.file("input.mov", good[:length])
-            self.assertIn(base.run("report", movie, "-o", self.path("out.html"), "--force")[0], (0, 4))
+            self.assertIn(run("report", movie, "-o", self.path("out.html"), "--force")[0], (0, 4))
 
 
 class Output(ReportTest):
@@ -425,5 +425,4 @@ class Browser(ReportTest):
 
 
 if __name__ == "__main__":
-    base.TOOL = os.path.abspath(sys.argv.pop(1))
-    unittest.main(verbosity=1)
+    main()

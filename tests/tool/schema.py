@@ -9,7 +9,6 @@ import glob
 import json
 import os
 import pathlib
-import subprocess
 import sys
 import tempfile
 import unittest
@@ -21,8 +20,8 @@ except ImportError:
     sys.exit(77)
 
 import moviemaker
+from tool import main, run
 
-TOOL = ""
 SCHEMA = json.loads((pathlib.Path(__file__).parents[2] / "docs/schema/ketraqt.schema.json").read_text("utf-8"))
 
 
@@ -63,8 +62,7 @@ class SchemaTest(unittest.TestCase):
 
     def lines(self, name, *arguments):
         """Every line is valid. How many there are."""
-        done = subprocess.run([TOOL, *arguments], capture_output=True, timeout=120, check=False)
-        lines = done.stdout.decode("utf-8").splitlines()
+        lines = run(*arguments)[1].decode("utf-8").splitlines()
         for line in lines:
             value = json.loads(line)
             errors = [f"{error.json_path}: {error.message}" for error in self.validators[name].iter_errors(value)]
@@ -98,8 +96,8 @@ class SchemaTest(unittest.TestCase):
         track = moviemaker.sound_track(1)
         track.entry = track.entry.replace(b"sowt", b"twos")
         self.movie(moviemaker.movie([track], [40]), "sound.mov")
-        done = subprocess.run([TOOL, "hint", sound, "-o", hinted], capture_output=True, check=False)
-        self.assertEqual(done.returncode, 0, done.stderr)
+        code, _, err = run("hint", sound, "-o", hinted)
+        self.assertEqual(code, 0, err)
         self.assertGreater(self.lines("packet", "hint", hinted, "--dump"), 0)
         self.assertEqual(self.lines("info", "info", "--json", hinted), 1)
         self.assertEqual(self.lines("tree", "tree", "--json", hinted), 1)
@@ -118,5 +116,4 @@ class SchemaTest(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    TOOL = sys.argv.pop(1)
-    unittest.main()
+    main()
