@@ -19,7 +19,7 @@ using namespace Ketra::Tool;
 
 namespace {
 
-constexpr unsigned int kSteps = 4000;        // samples of a track that are hinted
+constexpr unsigned int kSteps = 4000;        // samples of a track that are hinted, or read back
 constexpr unsigned int kPackets = 20000;     // packets that are read back
 constexpr std::size_t kLargestPayload = 100; // small, so that there are fragments
 constexpr std::size_t kTracks = 8;
@@ -46,7 +46,7 @@ unsigned int readBack(QT::QTMovie& movie, QT::QTTrack& track, std::uint64_t& mis
     HintReader reader(movie, track);
     std::vector<HintedPacket> packets;
     unsigned int count = 0;
-    while (count < kPackets && reader.next(packets)) {
+    for (unsigned int step = 0; step < kSteps && count < kPackets && reader.next(packets); ++step) {
         for (const HintedPacket& packet : packets) {
             missing += packet.missing;
             ++count;

@@ -13,7 +13,7 @@ import tempfile
 import unittest
 
 import moviemaker
-from tool import command, main, native_only, run
+from tool import EMULATOR, command, fewer, main, native_only, run
 
 
 class ToolTest(unittest.TestCase):
@@ -52,10 +52,10 @@ class Usage(ToolTest):
         for command in commands:
             code, out, _ = run(command, "--help")
             self.assertEqual(code, 0, command)
-            self.assertRegex(out.decode(), rf"\nExamples?:\n(  ketraqt {command} .+\n){{1,3}}$")
+            self.assertRegex(out.decode().replace("\r\n", "\n"), rf"\nExamples?:\n(  ketraqt {command} .+\n){{1,3}}$")
         code, out, _ = run("--version")
         self.assertEqual(code, 0)
-        self.assertRegex(out.decode(), r"^ketraqt \d+\.\d+\.\d+\n$")
+        self.assertRegex(out.decode(), r"^ketraqt \d+\.\d+\.\d+\r?\n$")
 
     def test_wrong_usage_is_2(self):
         for arguments in ([], ["what"], ["info"], ["tree", self.movie, "--no-such"], ["samples", self.movie],
@@ -270,7 +270,7 @@ class Extract(ToolTest):
     def test_output_that_cannot_be_written_is_3(self):
         for out in (self.path("no/such/folder"), self.folder.name):
             self.assert_fails(3, "extract", self.movie, "--track", "1", "-o", out)
-        if os.path.exists("/dev/full"):
+        if os.path.exists("/dev/full") and not EMULATOR:
             self.assert_fails(3, "extract", self.movie, "--track", "1", "-o", "/dev/full")
             self.assertTrue(os.path.exists("/dev/full"))
             with open("/dev/full", "wb") as full:
@@ -278,6 +278,7 @@ class Extract(ToolTest):
                                       stderr=subprocess.PIPE, check=False)
             self.assertEqual(done.returncode, 3, done.stderr)
 
+    @native_only("sets a limit that only this system's own programs see")
     def test_a_partial_file_is_removed(self):
         big = moviemaker.video_track()
         sizes = [100000] * 6
@@ -380,11 +381,11 @@ class Hostile(ToolTest):
 
     def test_truncations(self):
         content = moviemaker.example()
-        for end in range(0, len(content), 29):
+        for end in fewer(range(0, len(content), 29)):
             self.assert_survives(content[:end])
 
     def test_changed_bytes(self):
-        for content in moviemaker.damaged(moviemaker.example(), 120, seed=7):
+        for content in fewer(moviemaker.damaged(moviemaker.example(), 120, seed=7)):
             self.assert_survives(content)
 
 

@@ -37,6 +37,8 @@ public:
     QT::QTStream& stream() { return stream_; }
     void leaveMediaOut(bool out = true) { stream_.leaveMediaOut(out); }
     std::uint64_t fileSize() const { return fileSize_; }
+    /// Nothing more is read. Not every system replaces a file that is open.
+    void close() { stream_.close(); }
 
 private:
     struct Release {

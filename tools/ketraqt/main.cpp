@@ -29,6 +29,7 @@ void addCommands(CLI::App& app, Action& action) {
 int main(int argc, char** argv) try {
     CLI::App app{"Looks into QuickTime, MPEG-4, 3GPP and 3GPP2 movie files, and writes them anew.",
                  "ketraqt"};
+    app.allow_windows_style_options(false); // what begins with a slash is a path there, too
     app.set_version_flag("--version", std::string("ketraqt ") + KETRAQT_VERSION);
     app.require_subcommand(1);
     app.footer("Exit codes: 0 done, 1 findings or differences, 2 wrong usage, 3 a file cannot be opened, "

@@ -129,6 +129,7 @@ void runHint(const HintOptions& options) {
     writeMedia(builders, out);
     addToHeader(rewrite.header(), builders, *hints);
     rewrite.writeHeader(out);
+    source.close();
     out.commit();
 }
 
@@ -140,6 +141,7 @@ void runHintRemoval(const HintOptions& options) {
     AtomicFile out(options.output, options.force);
     rewrite.copyParts(out);
     rewrite.writeHeader(out);
+    source.close();
     out.commit();
 }
 

@@ -73,6 +73,7 @@ void writeMovie(Plan& plan, const RemuxOptions& options) {
     const Bytes back = backOf(header, options.fastStart);
     file.write(back.data(), back.size());
     verify(plan, file.flush(), progress, done);
+    plan.source.close();
     file.commit();
 }
 
