@@ -49,10 +49,10 @@ class Usage(ToolTest):
         self.assertEqual(code, 0)
         commands = re.findall(r"^  ([a-z]+)  ", out.decode().partition("Subcommands:")[2], re.M)
         self.assertLess({"info", "tree", "samples", "extract", "check", "remux", "hint"}, set(commands))
-        for command in commands:
-            code, out, _ = run(command, "--help")
-            self.assertEqual(code, 0, command)
-            self.assertRegex(out.decode().replace("\r\n", "\n"), rf"\nExamples?:\n(  ketraqt {command} .+\n){{1,3}}$")
+        for name in commands:
+            code, out, _ = run(name, "--help")
+            self.assertEqual(code, 0, name)
+            self.assertRegex(out.decode().replace("\r\n", "\n"), rf"\nExamples?:\n(  ketraqt {name} .+\n){{1,3}}$")
         code, out, _ = run("--version")
         self.assertEqual(code, 0)
         self.assertRegex(out.decode(), r"^ketraqt \d+\.\d+\.\d+\r?\n$")
