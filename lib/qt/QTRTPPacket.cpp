@@ -38,6 +38,12 @@ QTRTPPacket::QTRTPPacket(int relativeTransmissionTime, double playTime, double d
 
 QTRTPPacket::~QTRTPPacket() = default;
 
+int QTRTPPacket::setSize(unsigned short v) {
+    size_ = v;
+    if (data_->size() == 0) data_->adopt(data_->data(), v);
+    return 0;
+}
+
 unsigned char* QTRTPPacket::getData() const { return data_->data(); }
 
 int QTRTPPacket::setData(unsigned short size, unsigned char* bytes) {

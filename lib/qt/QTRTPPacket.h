@@ -50,7 +50,7 @@ public:
     unsigned char getTrackReference() const { return trackReference_; } ///< 0xFF = the hint track itself
     int setTrackReference(unsigned char v) { return trackReference_ = v, 0; }
     unsigned short getSize() const { return size_; } ///< payload length in bytes
-    int setSize(unsigned short v) { return size_ = v, 0; }
+    int setSize(unsigned short v);                   ///< a payload given before any size has this one
     unsigned int getSampleNumber() const {
         return sampleNumber_;
     } ///< set by the sample that takes the packet

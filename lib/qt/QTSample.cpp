@@ -40,9 +40,9 @@ private:
 };
 
 unsigned int headerBits(const QTRTPPacket& packet) {
-    return (static_cast<unsigned int>(packet.getPadding()) << 13) +
-           (static_cast<unsigned int>(packet.getExtension()) << 12) +
-           (static_cast<unsigned int>(packet.getMarker()) << 7) + packet.getPayloadType();
+    return (static_cast<unsigned int>(packet.getPadding()) << 13) |
+           (static_cast<unsigned int>(packet.getExtension()) << 12) |
+           (static_cast<unsigned int>(packet.getMarker()) << 7) | packet.getPayloadType();
 }
 
 void putEntry(Cursor& out, const QTRTPPacket& packet, std::uint64_t payloadsAt) {

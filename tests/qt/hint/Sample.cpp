@@ -114,6 +114,22 @@ TEST(Sample, HoldsOnePacketWithItsPayload) {
                                repeat(0xAB, 100));
 }
 
+TEST(Sample, TakesThePayloadBeforeItsSize) {
+    QTSample sample(1);
+    auto* p = new QTRTPPacket;
+    EXPECT_EQ(p->setData(block({1, 2, 3, 4})), 0);
+    EXPECT_EQ(p->setSize(4), 0);
+    sample.addRTPPacket(p);
+    const Bytes bytes = take(sample.makeQTFrame());
+    EXPECT_EQ(Bytes(bytes.begin() + 32, bytes.end()), hex("01020304"));
+    QTSample longer(1); // a block of a known size is not read beyond it
+    p = packet(2, 0x11);
+    p->setSize(4);
+    longer.addRTPPacket(p);
+    const Bytes filled = take(longer.makeQTFrame());
+    EXPECT_EQ(Bytes(filled.begin() + 32, filled.end()), hex("11110000"));
+}
+
 TEST(Sample, PutsOffsetsBehindAllEntries) {
     QTSample sample(3);
     QTRTPPacket* first = packet(10, 0x11);
@@ -153,6 +169,8 @@ TEST(Sample, SetsTheHeaderBits) {
     EXPECT_EQ(bits(1, 0, 0, 96), 0x2060);
     EXPECT_EQ(bits(0, 1, 0, 96), 0x1060);
     EXPECT_EQ(bits(0, 0, 0, 128), 0x0080); // not cut to seven bits
+    EXPECT_EQ(bits(0, 0, 1, 255), 0x00FF); // nor carried on
+    EXPECT_EQ(bits(1, 2, 0, 96), 0x2060);
 }
 
 TEST(Sample, WritesTheExtraDataOfFlaggedPackets) {
