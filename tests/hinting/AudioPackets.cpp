@@ -88,6 +88,28 @@ TEST(AmrPackets, MarkTheBeginningOfSpeech) {
                                     {hex("F0 04") + repeat(3, 12), true}});
 }
 
+TEST(AmrPackets, CountComfortNoiseAsSilence) {
+    AmrPacketizer packets(kAudio, 100, false);
+    const Bytes speech = hex("04") + repeat(1, 12);
+    const Bytes noise = hex("44") + repeat(2, 5);
+    // The last sample begins with noise: its packet is not the first of the speech, nor is what follows it.
+    for (const Bytes& sample : {speech, noise, hex("7C"), noise, speech, noise, noise + speech, speech}) {
+        packets.add(sampleOf(sample, 0, 160));
+    }
+    const auto groups = packets.take();
+    std::string markers;
+    for (const auto& group : groups) {
+        markers += group.payloads[0].marker ? '1' : '0';
+    }
+    EXPECT_EQ(markers, "10001000");
+    AmrPacketizer wide(kAudio, 100, true);
+    wide.add(sampleOf(hex("44") + repeat(1, 60), 0, 320)); // speech at 23.85 kbit/s
+    EXPECT_TRUE(wide.take()[0].payloads[0].marker);
+    AmrPacketizer wideNoise(kAudio, 100, true);
+    wideNoise.add(sampleOf(hex("4C") + repeat(1, 5), 0, 320));
+    EXPECT_FALSE(wideNoise.take()[0].payloads[0].marker);
+}
+
 TEST(AmrPackets, ShareTheTimeOfALargeSample) {
     AmrPacketizer packets(kAudio, 30, false); // 1 + 2 * 13 bytes fit, 1 + 3 * 13 do not
     packets.add(

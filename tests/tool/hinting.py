@@ -179,6 +179,23 @@ class Session(HintTest):
         self.assertIn("a=control:trackID=2", lines)
         self.assertIn("a=fmtp:98 octet-align=1", lines)
 
+    def test_profile_and_level_of_h265(self):
+        sets = b"".join(bytes([kind | 0x80, 0, 1, 0, 2, kind << 1, 1]) for kind in (32, 33, 34))
+        # Main 10, high tier, level 4.
+        record = bytes([1, 0x22]) + words(0x20000000) + bytes.fromhex("B0000000000A") + bytes([120]) + bytes(8)
+        entry = moviemaker.video_entry().replace(b"mp4v", b"hvc1") + atom(b"hvcC", record + b"\x0b" + b"\x03" + sets)
+        entry = words(len(entry)) + entry[4:]
+        unit = words(4) + b"\x26\x01ab"
+        tables = [table(b"stts", (1, 600)), table(b"stsc", (1, 1, 1)), full(b"stsz", words(len(unit), 1))]
+        track = moviemaker.Track(1, b"vide", full(b"vmhd", bytes(8), flags=1), entry, 600, [unit], tables)
+        self.hint(moviemaker.movie([track], [600]))
+        code, out, err = run("sdp", self.out)
+        self.assertEqual((code, err), (0, ""))
+        (line,) = [line for line in out.decode().split("\r\n") if line.startswith("a=fmtp:")]
+        self.assertEqual(line.split(" ", 1)[1],
+                         "profile-space=0;profile-id=2;tier-flag=1;level-id=120;interop-constraints=B0000000000A;"
+                         "sprop-vps=QAE=;sprop-sps=QgE=;sprop-pps=RAE=")
+
     def test_no_hints(self):
         movie = self.file("in.mov", sound_movie())
         self.assert_fails(5, "sdp", movie)

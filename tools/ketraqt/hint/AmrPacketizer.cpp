@@ -28,6 +28,11 @@ std::size_t AmrPacketizer::speechSize(unsigned char header) const {
     return static_cast<std::size_t>(size);
 }
 
+bool AmrPacketizer::speaks(ByteView frame) const {
+    const unsigned int modes = wideBand_ ? 9 : 8; // the types behind them are comfort noise, or nothing
+    return (frame[0] >> 3 & 15U) < modes;
+}
+
 std::vector<ByteView> AmrPacketizer::framesOf(ByteView sample) const {
     std::vector<ByteView> frames;
     for (std::size_t at = 0; at < sample.size;) {
@@ -60,18 +65,17 @@ void AmrPacketizer::add(const MediaSample& sample) {
     for (std::size_t first = 0; first < frames.size();) {
         std::size_t end = first;
         std::size_t size = 1;
-        bool speaks = false;
         while (end < frames.size() && (end == first || size + frames[end].size <= largest())) {
             size += frames[end].size;
-            speaks = speaks || frames[end].size > 1;
             ++end;
         }
         PacketGroup group = groupOf(sample);
         group.decode += tick(first);
         group.presentation += tick(first);
         group.duration = tick(end) - tick(first);
-        group.payloads.push_back({payloadOf(&frames[first], end - first), speaks && silent_});
-        silent_ = !speaks;
+        // Comfort noise is a part of the silence.
+        group.payloads.push_back({payloadOf(&frames[first], end - first), silent_ && speaks(frames[first])});
+        silent_ = !speaks(frames[end - 1]);
         put(std::move(group));
         first = end;
     }

@@ -14,6 +14,7 @@ public:
 
 private:
     std::size_t speechSize(unsigned char header) const;
+    bool speaks(ByteView frame) const;
     std::vector<ByteView> framesOf(ByteView sample) const;
     ByteBlock payloadOf(const ByteView* frames, std::size_t count) const;
 

@@ -121,9 +121,13 @@ NalConfiguration configurationOfH265(const QT::QTTrack& track) {
     }
     NalConfiguration found;
     found.lengthSize = (record[21] & 3U) + 1;
+    // 1 profile space, tier and profile; 6 constraints; 12 level.
+    found.parameters = fmt::format(
+        "profile-space={};profile-id={};tier-flag={};level-id={};interop-constraints={}", record[1] >> 6,
+        record[1] & 0x1FU, record[1] >> 5 & 1U, record[12], upperHex(record.part(6, 6)));
     for (const Kind& kind : kinds) {
         if (kind.sets.empty()) continue;
-        found.parameters += fmt::format("{}{}={}", found.parameters.empty() ? "" : ";", kind.name, kind.sets);
+        found.parameters += fmt::format(";{}={}", kind.name, kind.sets);
     }
     return found;
 }
