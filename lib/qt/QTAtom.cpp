@@ -64,7 +64,7 @@ QTAtom::QTAtom(QTAtom* header) {
 QTAtom::QTAtom(const QTAtom& other)
     : size_(other.size_), type_(other.type_), container_(other.container_), headerSize_(other.headerSize_),
       children_(other.children_), utils_(other.utils_), offset_(other.offset_), reserved_(other.reserved_),
-      ownsChildren_(false), toEnd_(other.toEnd_) {
+      borrowedChildren_(other.children_.size()), toEnd_(other.toEnd_) {
     if (!other.payload_) return;
     wire::MallocPtr copy = wire::allocateRaw(other.payloadLength_);
     if (!copy) return;
@@ -83,7 +83,7 @@ QTAtom& QTAtom::operator=(const QTAtom& other) {
     std::swap(container_, copy.container_);
     std::swap(headerSize_, copy.headerSize_);
     children_.swap(copy.children_);
-    std::swap(ownsChildren_, copy.ownsChildren_);
+    std::swap(borrowedChildren_, copy.borrowedChildren_);
     std::swap(utils_, copy.utils_);
     std::swap(offset_, copy.offset_);
     std::swap(toEnd_, copy.toEnd_);
@@ -93,10 +93,8 @@ QTAtom& QTAtom::operator=(const QTAtom& other) {
 QTAtom::~QTAtom() { release(); }
 
 void QTAtom::release() {
-    if (ownsChildren_) {
-        for (QTAtom* child : children_) {
-            delete child;
-        }
+    for (std::size_t i = borrowedChildren_; i < children_.size(); ++i) {
+        delete children_[i];
     }
     children_.clear();
     std::free(payload_);
@@ -161,7 +159,9 @@ int QTAtom::addChild(QTAtom* child) {
 void QTAtom::removeAtomOfType(unsigned int type) {
     const auto found = std::find_if(children_.begin(), children_.end(),
                                     [type](const QTAtom* child) { return child->type_ == type; });
-    if (found != children_.end()) children_.erase(found);
+    if (found == children_.end()) return;
+    if (static_cast<std::size_t>(found - children_.begin()) < borrowedChildren_) --borrowedChildren_;
+    children_.erase(found);
 }
 
 unsigned int QTAtom::getNewCurrentTime() {

@@ -128,6 +128,7 @@ std::uint64_t QTUtils::readFully(unsigned char* buffer, std::uint64_t length) {
 wire::Payload QTUtils::fetch(std::uint64_t length) {
     wire::Payload payload;
     if (!length) return payload;
+    if (length > alternateRemaining_ && stream_ && streamSize() == 0) return fetchUntold(length);
     // A size field may say anything; no more is allocated than the source can fill.
     const std::uint64_t limit = deliverable() + kBeyondEnd;
     length = std::min(length, limit);
@@ -136,6 +137,35 @@ wire::Payload QTUtils::fetch(std::uint64_t length) {
     os::preferLargePages(block.get(), static_cast<std::size_t>(length));
     const std::uint64_t delivered = readFully(block.get(), length);
     if (!delivered) return payload;
+    std::memset(block.get() + delivered, 0, static_cast<std::size_t>(length + kSlack - delivered));
+    payload.data = std::move(block);
+    payload.length = length;
+    payload.delivered = delivered;
+    return payload;
+}
+
+/// From a stream that does not tell its size: the block grows with what arrives.
+wire::Payload QTUtils::fetchUntold(std::uint64_t length) {
+    constexpr std::uint64_t kFirst = 1U << 16;
+    wire::Payload payload;
+    wire::MallocPtr block;
+    std::uint64_t room = 0;
+    std::uint64_t delivered = 0;
+    const auto resize = [&block](std::uint64_t bytes) {
+        auto* grown = static_cast<unsigned char*>(std::realloc(block.get(), static_cast<std::size_t>(bytes)));
+        if (!grown) return false;
+        static_cast<void>(block.release());
+        block.reset(grown);
+        return true;
+    };
+    while (delivered == room && room < length) {
+        room = std::min(length, std::max(kFirst, room * 2));
+        if (!resize(room + kSlack)) return payload;
+        delivered += readFully(block.get() + delivered, room - delivered);
+    }
+    if (!delivered) return payload;
+    length = std::min(length, delivered + kBeyondEnd);
+    if (!resize(length + kSlack)) return payload;
     std::memset(block.get() + delivered, 0, static_cast<std::size_t>(length + kSlack - delivered));
     payload.data = std::move(block);
     payload.length = length;

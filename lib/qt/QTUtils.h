@@ -71,6 +71,7 @@ private:
     std::int64_t moveBy(std::int64_t distance);
     std::uint64_t readFully(unsigned char* buffer, std::uint64_t length);
     wire::Payload fetch(std::uint64_t length);
+    KETRA_QT_LOCAL wire::Payload fetchUntold(std::uint64_t length);
 
     bool valid_ = true;
     QTStream* stream_;

@@ -1,7 +1,7 @@
 // How the samples of a sample description are grouped into frames.
 #include <qt/QTAtoms.h>
 #include <qt/QTChunk.h>
-#include <qt/QTTrack/QTTrack.h>
+#include <qt/QTTrack/QTAudioTrack.h>
 #include <qt/QTTrack/detail/AudioFormats.h>
 #include <qt/wire/Access.h>
 
@@ -141,7 +141,8 @@ int QTChunk::setNeedsBuffering(const STSDData& entry) {
     const Sound sound = soundOf(entry);
     Grouping current{buffering_, samplesPerFrame_, sizeFactor_, reportedSamples_, false};
     if (sound.version == 1) {
-        current.sizeFactor = sound.bytesPerFrame;
+        const auto* audio = dynamic_cast<const QTAudioTrack*>(track_);
+        current.sizeFactor = audio ? audio->getBytesPerFrame() : sound.bytesPerFrame;
         current.samplesPerFrame = track_->getSamplesPerPacket();
         if (current.sizeFactor == 0) current.sizeFactor = current.samplesPerFrame = 1;
     }

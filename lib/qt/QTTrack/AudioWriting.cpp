@@ -1,4 +1,5 @@
 // Writing a sound track: header values, the sample description and its extensions.
+#include <qt/QTAtoms/detail/SampleRecords.h>
 #include <qt/QTAtoms/entries/DAMR.h>
 #include <qt/QTAtoms/entries/STSDAudio.h>
 #include <qt/QTAtoms/samples/STSZ.h>
@@ -6,6 +7,7 @@
 #include <qt/QTTrack/QTAudioTrack.h>
 #include <qt/QTTrack/detail/AudioFormats.h>
 #include <qt/QTTrack/detail/MediaWriting.h>
+#include <qt/wire/Access.h>
 #include <qt/wire/Numbers.h>
 #include <qt/wire/Throw.h>
 
@@ -350,11 +352,27 @@ void QTAudioTrack::DescriptionWriter::writeLayout() {
     track_.extensions_->add(chan);
 }
 
+namespace {
+
+/// Whether the table names every one of `count` samples and they are not of `size` bytes, so that their
+/// number and size would say something else of the media than what was added.
+bool namesOtherSamples(const STSZ& sizes, unsigned int count, std::uint64_t size) {
+    const auto& table = wire::Access::table(sizes);
+    if (sizes.getSampleSize() != 0 || table.held() != count) return false;
+    for (std::uint64_t i = 0; i < table.held(); ++i) {
+        if (table.at(i) != size) return true;
+    }
+    return false;
+}
+
+} // namespace
+
 /// Samples of PCM are all of one size, and they are what the other tables count.
 void QTAudioTrack::writeConstantSize(unsigned int bytesPerSample) {
     const std::uint64_t size = std::uint64_t{channels_} * bytesPerSample;
     const unsigned int count = stts() ? stts()->getSumOfEntries() : 0;
     if (!stsz() || !count || !size || size > std::numeric_limits<unsigned int>::max()) return;
+    if (namesOtherSamples(*stsz(), count, size)) return;
     stsz()->setSampleSizeTable({});
     stsz()->setSampleSize(static_cast<unsigned int>(size));
     stsz()->setNumberOfEntries(count);

@@ -1,4 +1,5 @@
 // MPEG-4 descriptors: trees that are read, trees that are built, and what is written of them.
+#include "support/AtomFile.h"
 #include "support/Bytes.h"
 
 #include <qt/QTAtoms.h>
@@ -473,6 +474,11 @@ TEST(TrackReferences, AreKeptAsTheyAreInMemory) {
     EXPECT_EQ(mpod.getSize(), 8U);
     EXPECT_EQ(mpod.getTrackRefs(), nullptr);
     EXPECT_EQ(take(mpod.serialize()), hex("00000008 'mpod'"));
+    AtomFile file(hex("00000008 'mpod'")); // and that is read again
+    int result = -1;
+    const auto back = file.parse<MPOD>(&result);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(back->getTrackRefCount(), 0U);
 }
 
 } // namespace

@@ -26,6 +26,26 @@ TrackSpec sound(const std::string& format) {
     return t;
 }
 
+TEST(AudioReading, TakesTheSizeOfAPacketFromTheTrack) {
+    TrackSpec spec = sound("amrw");
+    spec.entries = {soundEntryV1("amrw", 1, 16, 8000, 1, 7, 7)};
+    spec.stts = {{10, 160}};
+    spec.constantSize = 1;
+    spec.constantCount = 10;
+    spec.bytesPerSample = 7;
+    spec.chunks = {10};
+    const MovieFile movie(spec);
+    ASSERT_TRUE(movie);
+    auto* track = dynamic_cast<QTAudioTrack*>(movie.track());
+    ASSERT_TRUE(track);
+    QTChunk* chunk = track->getChunk();
+    ASSERT_EQ(chunk->initWithSample(2), 0);
+    EXPECT_EQ(chunk->findSampleSize(2), 7U);
+    track->setBytesPerFrame(10);
+    ASSERT_EQ(chunk->initWithSample(2), 0);
+    EXPECT_EQ(chunk->findSampleSize(2), 10U);
+}
+
 TEST(AudioReading, HandsOutPcmChunkByChunk) {
     TrackSpec spec = sound("sowt");
     spec.entries = {soundEntry("sowt", 2, 16, 8000)};

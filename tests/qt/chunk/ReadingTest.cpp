@@ -198,6 +198,10 @@ TEST(Reading, PrefersPartialSyncFarFromTheOnlyKeyFrame) {
     EXPECT_EQ(chunk->getPreviousKeyframe(), 1U);
     ASSERT_EQ(chunk->initWithSample(101), 0);
     EXPECT_EQ(chunk->getPreviousKeyframe(), 50U); // 120 is the first behind it, two places before that is 50
+    ASSERT_EQ(chunk->initWithSample(140), 0);
+    EXPECT_EQ(chunk->getPreviousKeyframe(), 120U);
+    ASSERT_EQ(chunk->initWithSample(141), 0);
+    EXPECT_EQ(chunk->getPreviousKeyframe(), 1U); // the table has nothing at or behind it
 }
 
 TEST(Reading, SeeksToTheKeyFrameAtOrBeforeATime) {

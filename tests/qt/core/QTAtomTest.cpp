@@ -255,6 +255,21 @@ TEST(AtomCopies, ListTheSameChildrenAndDoNotOwnThem) {
     EXPECT_EQ(Counted::alive, 0);
 }
 
+TEST(AtomCopies, OwnWhatIsAddedToThem) {
+    Counted::alive = 0;
+    auto parent = container();
+    parent->addChild(new Counted(10, 1));
+    {
+        MOOV copy(*parent);
+        copy.addChild(new Counted(10, 2));
+        copy.removeAtomOfType(1);
+        EXPECT_EQ(Counted::alive, 2);
+    }
+    EXPECT_EQ(Counted::alive, 1);
+    parent.reset();
+    EXPECT_EQ(Counted::alive, 0);
+}
+
 TEST(AtomCopies, DuplicateKeptBytes) {
     unsigned char bytes[] = {1, 2, 3};
     auto original = std::make_unique<UUIDA>(3, bytes);

@@ -169,6 +169,43 @@ TEST(ReaderPayload, IsWhatTheHeaderSays) {
     EXPECT_EQ(large.first(2), hex("0102"));
 }
 
+/// A stream that reads and seeks, and does not tell how long it is.
+class UntoldStream : public FakeStream {
+public:
+    UntoldStream(std::int64_t length, std::int64_t told) : FakeStream(length), told_(told) {}
+    std::int64_t size() override { return told_; }
+
+private:
+    std::int64_t told_;
+};
+
+TEST(ReaderPayload, OfAStreamThatDoesNotTellItsSizeIsWhole) {
+    for (const std::int64_t told : {-1, 0}) {
+        for (const std::uint64_t length : {9U, 65536U, 65537U, 1000000U}) {
+            UntoldStream stream(1000000, told);
+            stream.fill = 7;
+            QTUtils utils(&stream, nullptr);
+            QTAtom atom(length + 8, fourCC("abcd"), 0, 8, &utils, false);
+            const std::unique_ptr<unsigned char, Fetched::Free> data(utils.getData(&atom));
+            ASSERT_TRUE(data);
+            EXPECT_EQ(Bytes(data.get(), data.get() + length), repeat(7, length));
+            EXPECT_EQ(Bytes(data.get() + length, data.get() + length + 16), repeat(0, 16));
+            EXPECT_EQ(stream.at, static_cast<std::int64_t>(length));
+        }
+    }
+}
+
+TEST(ReaderPayload, OfAStreamThatDoesNotTellItsSizeEndsWithIt) {
+    UntoldStream stream(100000, -1);
+    stream.fill = 7;
+    QTUtils utils(&stream, nullptr);
+    QTAtom atom(std::uint64_t{1} << 60, fourCC("abcd"), 0, 8, &utils, false);
+    const std::unique_ptr<unsigned char, Fetched::Free> data(utils.getData(&atom));
+    ASSERT_TRUE(data);
+    EXPECT_EQ(Bytes(data.get(), data.get() + 100024), repeat(7, 100000) + repeat(0, 24));
+    EXPECT_EQ(utils.getData(&atom), nullptr); // nothing is left
+}
+
 TEST(ReaderPayload, IsFilledUpWithZeros) {
     const Fetched got(hex("00000010 'abcd' 0102"));
     EXPECT_EQ(got.first(8), hex("0102000000000000"));

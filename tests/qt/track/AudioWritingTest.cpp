@@ -166,6 +166,22 @@ TEST(AudioWriting, ConstantSampleSizeOfPCM) {
     EXPECT_EQ(aac.stsz->getNumberOfEntries(), 1U);
 }
 
+TEST(AudioWriting, FramesThatAreOneSampleEachKeepTheirSizes) {
+    Tree tree(kMOV);
+    tree.stts->addTimeToSample(new STTSData(2, 1));
+    tree.stsz->addSampleSize(new STSZData(1024));
+    tree.stsz->addSampleSize(new STSZData(96));
+    tree.prepare("sowt", 2, 16, 44100);
+    EXPECT_EQ(take(tree.stsz->serialize()),
+              hex("0000001C 'stsz' 00000000 00000000 00000002 00000400 00000060"));
+    Tree plain(kMOV); // one sample of both channels a frame
+    plain.stts->addTimeToSample(new STTSData(2, 1));
+    plain.stsz->addSampleSize(new STSZData(4));
+    plain.stsz->addSampleSize(new STSZData(4));
+    plain.prepare("sowt", 2, 16, 44100);
+    EXPECT_EQ(plain.stsz->getSampleSize(), 4U);
+}
+
 TEST(AudioWriting, AACInQuickTime) {
     Tree tree(kMOV);
     tree.track.setDecoderSpecificInfo(frameOf({0x12, 0x10}));

@@ -41,7 +41,7 @@ int FTYP::parse() { return wire::parseLeaf(*this); }
 
 QTFrame* FTYP::serialize() {
     updateSize();
-    return wire::writeLeaf(*this);
+    return wire::writeLeaf(*this, fourCC("ftyp"));
 }
 
 unsigned int FTYP::getCompatibleBrand(unsigned int index) const {

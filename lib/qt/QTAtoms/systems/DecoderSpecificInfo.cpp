@@ -44,7 +44,7 @@ int DecoderSpecificInfo::setInfo(unsigned int size, unsigned char* bytes) {
 unsigned char* DecoderSpecificInfo::getDecoderSpecificInfo() const { return info_->data(); }
 
 unsigned int DecoderSpecificInfo::getDecoderSpecificInfoSize() const {
-    return static_cast<unsigned int>(info_->size());
+    return info_->data() ? static_cast<unsigned int>(info_->size()) : size_;
 }
 
 } // namespace Ketra::QT

@@ -19,7 +19,7 @@ public:
 
     int setInfo(unsigned int size, unsigned char* bytes); ///< adopts a malloc block; -1 for null
     unsigned char* getDecoderSpecificInfo() const;        ///< borrowed, or null
-    unsigned int getDecoderSpecificInfoSize() const;      ///< bytes behind it
+    unsigned int getDecoderSpecificInfoSize() const; ///< bytes behind it; the size given where it is null
 
 private:
     friend struct wire::Access;

@@ -30,7 +30,11 @@ void MPOD::layout(Self& a, Io& io) {
     io.rest(*a.refs_);
 }
 
-int MPOD::parse() { return wire::parseLeaf(*this); }
+int MPOD::parse() {
+    if (!utils_ || wire::Access::payloadLength(*this)) return wire::parseLeaf(*this);
+    refs_->clear(); // a list of nothing, as it is written when no track is referred to
+    return 0;
+}
 
 std::uint64_t MPOD::updateSize() { return size_ = wire::leafBytes(*this); }
 

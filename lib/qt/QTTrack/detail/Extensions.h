@@ -77,7 +77,7 @@ struct DecoderConfiguration {
     }
     /// The specific information as a frame of its own, or null.
     std::unique_ptr<QTFrame> specificInfo() const {
-        if (!info || !info->getDecoderSpecificInfoSize()) return nullptr;
+        if (!info || !info->getDecoderSpecificInfo() || !info->getDecoderSpecificInfoSize()) return nullptr;
         return copyToFrame(info->getDecoderSpecificInfo(), info->getDecoderSpecificInfoSize());
     }
 };
