@@ -22,7 +22,7 @@ namespace {
 std::uint64_t mostChunks(QTUtils* utils) {
     constexpr std::uint64_t kMost = std::numeric_limits<unsigned int>::max();
     if (!utils) return kMost;
-    constexpr std::uint64_t kUntold = std::uint64_t{1} << 26; // of a stream that does not tell its size
+    constexpr std::uint64_t kUntold = std::uint64_t{1} << 22; // of a stream that does not tell its size
     const std::int64_t told = wire::Access::streamSize(*utils);
     const std::uint64_t stream = told > 0 ? static_cast<std::uint64_t>(told) : kUntold;
     return std::min(kMost, std::max(stream, wire::Access::alternateSize(*utils)) / 4 + 1);
