@@ -64,7 +64,7 @@ QTAtom::QTAtom(QTAtom* header) {
 QTAtom::QTAtom(const QTAtom& other)
     : size_(other.size_), type_(other.type_), container_(other.container_), headerSize_(other.headerSize_),
       children_(other.children_), utils_(other.utils_), offset_(other.offset_), reserved_(other.reserved_),
-      borrowedChildren_(other.children_.size()), toEnd_(other.toEnd_) {
+      borrowedChildren_(static_cast<unsigned int>(other.children_.size())), toEnd_(other.toEnd_) {
     if (!other.payload_) return;
     wire::MallocPtr copy = wire::allocateRaw(other.payloadLength_);
     if (!copy) return;

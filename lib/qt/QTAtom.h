@@ -110,7 +110,7 @@ private:
 
     std::uint64_t reserved_ = 0;
     std::uint64_t payloadLength_ = 0;
-    std::size_t borrowedChildren_ = 0; // the first ones, of a copy: they stay the original's
+    unsigned int borrowedChildren_ = 0; // the first ones, of a copy: they stay the original's
     bool toEnd_ = false; // the header's size field was 0: the atom runs to the end of the stream
 };
 

@@ -11,7 +11,8 @@ namespace Ketra::os {
 #if defined(__linux__)
 
 void preferLargePages(void* block, std::size_t length) {
-    constexpr std::size_t kWorthwhile = std::size_t{2} << 20; // one large page may fit in whole
+    // Below that a large page, cleared as a whole before its first byte comes, may cost more than it saves.
+    constexpr std::size_t kWorthwhile = std::size_t{8} << 20;
     if (!block || length < kWorthwhile) return;
     // The pages at its ends are shared with other blocks.
     static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
