@@ -240,6 +240,11 @@ TEST(HeaderPart, NeedsAMovie) {
     }
 }
 
+TEST(FileType, IsWrittenUnderItsOwnCode) {
+    FTYP brand(new QTAtom(16U, 0U));
+    EXPECT_EQ(take(brand.serialize()), hex("00000010 'ftyp' 00000000 00000000"));
+}
+
 TEST(Root, IsAnEmptyContainerAtFirst) {
     ROOT root;
     EXPECT_EQ(root.getSize(), 0U);

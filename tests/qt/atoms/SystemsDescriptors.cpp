@@ -459,6 +459,12 @@ TEST(Descriptors, AreOwnedByWhatHoldsThem) {
     EXPECT_EQ(deaths, 3);
 }
 
+TEST(SpecificInformation, HasTheSizeGivenWhereItHasNoBytes) {
+    DecoderSpecificInfo info(5, static_cast<unsigned char>(5));
+    EXPECT_EQ(info.getDecoderSpecificInfo(), nullptr);
+    EXPECT_EQ(info.getDecoderSpecificInfoSize(), 5U);
+}
+
 TEST(TrackReferences, AreKeptAsTheyAreInMemory) {
     auto* refs = static_cast<unsigned int*>(std::malloc(8));
     refs[0] = QTAtom::BE32(1);
