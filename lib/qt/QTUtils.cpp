@@ -28,6 +28,16 @@ std::uint64_t payloadLength(const QTAtom& atom) {
     return atom.getSize() > atom.getHeaderSize() ? atom.getSize() - atom.getHeaderSize() : 0;
 }
 
+/// A payload of `length` bytes in a block with room for the slack behind it; what did not arrive is zero.
+wire::Payload filledUp(wire::MallocPtr block, std::uint64_t length, std::uint64_t delivered) {
+    std::memset(block.get() + delivered, 0, static_cast<std::size_t>(length + kSlack - delivered));
+    wire::Payload payload;
+    payload.data = std::move(block);
+    payload.length = length;
+    payload.delivered = delivered;
+    return payload;
+}
+
 void collect(QTAtom* atom, std::vector<QTAtom*>& into) {
     into.push_back(atom);
     for (QTAtom* child : wire::Access::children(*atom)) {
@@ -126,28 +136,22 @@ std::uint64_t QTUtils::readFully(unsigned char* buffer, std::uint64_t length) {
 }
 
 wire::Payload QTUtils::fetch(std::uint64_t length) {
-    wire::Payload payload;
-    if (!length) return payload;
+    if (!length) return {};
     if (length > alternateRemaining_ && stream_ && streamSize() == 0) return fetchUntold(length);
     // A size field may say anything; no more is allocated than the source can fill.
     const std::uint64_t limit = deliverable() + kBeyondEnd;
     length = std::min(length, limit);
     wire::MallocPtr block = wire::allocateRaw(length + kSlack);
-    if (!block) return payload;
+    if (!block) return {};
     os::preferLargePages(block.get(), static_cast<std::size_t>(length));
     const std::uint64_t delivered = readFully(block.get(), length);
-    if (!delivered) return payload;
-    std::memset(block.get() + delivered, 0, static_cast<std::size_t>(length + kSlack - delivered));
-    payload.data = std::move(block);
-    payload.length = length;
-    payload.delivered = delivered;
-    return payload;
+    if (!delivered) return {};
+    return filledUp(std::move(block), length, delivered);
 }
 
 /// From a stream that does not tell its size: the block grows with what arrives.
 wire::Payload QTUtils::fetchUntold(std::uint64_t length) {
     constexpr std::uint64_t kFirst = 1U << 16;
-    wire::Payload payload;
     wire::MallocPtr block;
     std::uint64_t room = 0;
     std::uint64_t delivered = 0;
@@ -160,17 +164,13 @@ wire::Payload QTUtils::fetchUntold(std::uint64_t length) {
     };
     while (delivered == room && room < length) {
         room = std::min(length, std::max(kFirst, room * 2));
-        if (!resize(room + kSlack)) return payload;
+        if (!resize(room + kSlack)) return {};
         delivered += readFully(block.get() + delivered, room - delivered);
     }
-    if (!delivered) return payload;
+    if (!delivered) return {};
     length = std::min(length, delivered + kBeyondEnd);
-    if (!resize(length + kSlack)) return payload;
-    std::memset(block.get() + delivered, 0, static_cast<std::size_t>(length + kSlack - delivered));
-    payload.data = std::move(block);
-    payload.length = length;
-    payload.delivered = delivered;
-    return payload;
+    if (!resize(length + kSlack)) return {};
+    return filledUp(std::move(block), length, delivered);
 }
 
 unsigned char* QTUtils::getData(QTAtom* atom) {

@@ -92,7 +92,8 @@ TEST(AmrPackets, CountComfortNoiseAsSilence) {
     AmrPacketizer packets(kAudio, 100, false);
     const Bytes speech = hex("04") + repeat(1, 12);
     const Bytes noise = hex("44") + repeat(2, 5);
-    // The last sample begins with noise: its packet is not the first of the speech, nor is what follows it.
+    // The last sample but one begins with noise: its packet does not begin the speech, nor does what follows
+    // it.
     for (const Bytes& sample : {speech, noise, hex("7C"), noise, speech, noise, noise + speech, speech}) {
         packets.add(sampleOf(sample, 0, 160));
     }

@@ -35,7 +35,7 @@ std::unique_ptr<QTAtom> ChildTable::create(std::unique_ptr<QTAtom> header) const
 
 void resumeAt(QTUtils& utils, std::uint64_t end) {
     if (Access::inAlternateData(utils)) return;
-    const auto length = static_cast<std::uint64_t>(Access::streamSize(utils));
+    const auto length = static_cast<std::uint64_t>(Access::streamSize(utils)); // 0: it does not tell
     if (end <= length || length == 0) utils.skipData(static_cast<std::int64_t>(end), 0);
 }
 
